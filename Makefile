@@ -1,0 +1,31 @@
+# Everything a newcomer needs: make run, make test, make build. Each installs what is missing first (as root on Debian).
+
+.PHONY: run test build bench install-packages format check clean
+
+build: install-packages
+	cmake --preset release
+	cmake --build --preset release
+	tools/build_guide.sh build
+
+run: build
+	tools/run.sh
+
+test: build
+	cmake --preset sanitize
+	cmake --build --preset sanitize
+	tools/run_tests.sh
+
+bench: build
+	build/kestrel-bench --benchmark_repetitions=7 --benchmark_report_aggregates_only=true
+
+install-packages:
+	tools/install_packages.sh
+
+format:
+	git ls-files '*.cpp' '*.h' | xargs clang-format -i
+
+check:
+	python3 tools/check_tree.py
+
+clean:
+	rm -rf build build-sanitize

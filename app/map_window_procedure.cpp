@@ -1,0 +1,262 @@
+#include "app/map_window.h"
+
+#include <algorithm>
+
+#include "mapdata/map_record.h"
+#include "toolbox/resources.h"
+#include "toolbox/windows.h"
+
+namespace {
+
+constexpr int limitWithoutMap = 2000;
+constexpr int minSizingWidth = 500; // while the frame is dragged
+constexpr int minSizingHeight = 200;
+constexpr int lineStep = 20;
+constexpr UINT quitCommand = 106;
+constexpr UINT fileMenuPosition = 0;
+
+int MaxFrameWidth()
+{
+    return MapWidth() + 2 * view.frameLeft + (view.hasScrollBars ? scrollBarWidth : 0);
+}
+
+int MaxFrameHeight()
+{
+    return MapHeight() + view.frameTop + view.frameBottom + statusStripHeight +
+           (view.hasScrollBars ? scrollBarWidth : 0);
+}
+
+void GiveSizeLimits(MINMAXINFO* limits)
+{
+    if (!shell.mapShown) {
+        limits->ptMaxSize = {limitWithoutMap, limitWithoutMap};
+        limits->ptMaxTrackSize = limits->ptMaxSize;
+        return;
+    }
+    limits->ptMinTrackSize = {minContentWidth, minContentHeight};
+    limits->ptMaxPosition = {0, 0};
+    // A map smaller than the smallest window leaves the smallest window.
+    limits->ptMaxSize.x =
+        std::max(minContentWidth, std::min<int>(MaxFrameWidth(), shell.screenRect.right - shell.screenRect.left));
+    limits->ptMaxSize.y =
+        std::max(minContentHeight, std::min<int>(MaxFrameHeight(), shell.screenRect.bottom - shell.screenRect.top));
+    limits->ptMaxTrackSize = limits->ptMaxSize;
+}
+
+bool DragsLeftEdge(WPARAM edge)
+{
+    return edge == WMSZ_LEFT || edge == WMSZ_TOPLEFT || edge == WMSZ_BOTTOMLEFT;
+}
+
+bool DragsRightEdge(WPARAM edge)
+{
+    return edge == WMSZ_RIGHT || edge == WMSZ_TOPRIGHT || edge == WMSZ_BOTTOMRIGHT;
+}
+
+bool DragsTopEdge(WPARAM edge)
+{
+    return edge == WMSZ_TOP || edge == WMSZ_TOPLEFT || edge == WMSZ_TOPRIGHT;
+}
+
+bool DragsBottomEdge(WPARAM edge)
+{
+    return edge == WMSZ_BOTTOM || edge == WMSZ_BOTTOMLEFT || edge == WMSZ_BOTTOMRIGHT;
+}
+
+// Moves whichever edge is dragged so that the length becomes size.
+template <class Coordinate>
+void SetLength(Coordinate& low, Coordinate& high, int size, bool dragsLow, bool dragsHigh)
+{
+    if (dragsLow) {
+        low = high - size;
+    } else if (dragsHigh) {
+        high = low + size;
+    }
+}
+
+void LimitSizing(WPARAM edge, LPARAM frameAddress)
+{
+    auto* frame = reinterpret_cast<LPRECT>(frameAddress);
+    const auto setWidth = [&](int width) {
+        SetLength(frame->left, frame->right, width, DragsLeftEdge(edge), DragsRightEdge(edge));
+    };
+    const auto setHeight = [&](int height) {
+        SetLength(frame->top, frame->bottom, height, DragsTopEdge(edge), DragsBottomEdge(edge));
+    };
+    if (frame->right - frame->left < minSizingWidth) {
+        setWidth(minSizingWidth);
+    }
+    if (frame->bottom - frame->top < minSizingHeight) {
+        setHeight(minSizingHeight);
+    }
+    // The minimum wins where a small map's maximum lies below it.
+    const int maxWidth = std::max(minSizingWidth, MaxFrameWidth());
+    const int maxHeight = std::max(minSizingHeight, MaxFrameHeight());
+    if (frame->right - frame->left > maxWidth) {
+        setWidth(maxWidth);
+    }
+    if (frame->bottom - frame->top > maxHeight) {
+        setHeight(maxHeight);
+    }
+}
+
+void TakeSize()
+{
+    TakeClientSize();
+    InvalidateMapRect(nullptr);
+    if (view.hasScrollBars) {
+        DestroyScrollBars();
+    }
+    if (!shell.mapShown) {
+        return;
+    }
+    KeepViewInMap();
+    if (view.hasScrollBars) {
+        CreateScrollBars();
+        const Rect& port = shell.mapWindow->portRect;
+        const Rect growBox = {static_cast<int16_t>(port.bottom - growBoxSize),
+                              static_cast<int16_t>(port.right - growBoxSize), port.bottom, port.right};
+        WindowPtr savedPort;
+        GetPort(&savedPort);
+        SetPort(shell.mapWindow);
+        FillRectColor(&growBox, colours.grey187);
+        SetPort(savedPort);
+    }
+}
+
+int TrackedShift(HWND bar, WPARAM wParam)
+{
+    SCROLLINFO info = {};
+    info.cbSize = sizeof info;
+    info.fMask = SIF_POS;
+    GetScrollInfo(bar, SB_CTL, &info);
+    return HIWORD(wParam) - info.nPos;
+}
+
+// How far a scroll-bar notification moves the view; pageSize is the view's extent along the bar.
+int ScrollShift(HWND bar, WPARAM wParam, int pageSize)
+{
+    switch (LOWORD(wParam)) {
+    case SB_LINEUP:
+        return -lineStep;
+    case SB_LINEDOWN:
+        return lineStep;
+    case SB_PAGEUP:
+        return -pageSize;
+    case SB_PAGEDOWN:
+        return pageSize;
+    case SB_THUMBTRACK:
+        return TrackedShift(bar, wParam);
+    default:
+        return 0;
+    }
+}
+
+bool QuitIsEnabled(HWND window)
+{
+    constexpr UINT disabled = MF_GRAYED | MF_DISABLED;
+    return (GetMenuState(shell.fileMenu, quitCommand, MF_BYCOMMAND) & disabled) == 0 &&
+           (GetMenuState(GetMenu(window), fileMenuPosition, MF_BYPOSITION) & disabled) == 0;
+}
+
+// The record outlives its window, because the loops that end now still name it as their port.
+void ForgetWindow()
+{
+    shell.quitRequested = 1;
+    if (shell.mapWindow == nullptr) {
+        return;
+    }
+    DestroyScrollBars();
+    if (shell.programPalette != nullptr) {
+        SelectPalette(shell.mapWindowDC, shell.mapWindow->initialPalette, FALSE);
+    }
+    const WindowPtr port = shell.mapWindow;
+    const HGDIOBJ font = SelectObject(port->dc, port->initialFont);
+    if (font != port->initialFont) {
+        DeleteObject(font);
+    }
+    const HGDIOBJ pen = SelectObject(port->dc, port->initialPen);
+    if (pen != port->initialPen) {
+        DeleteObject(pen);
+    }
+    shell.mapWindowDC = nullptr;
+    port->window = nullptr;
+    port->dc = nullptr;
+}
+
+} // namespace
+
+bool MapWindowExists()
+{
+    return shell.mapWindow != nullptr && shell.mapWindow->window != nullptr;
+}
+
+void DestroyMapWindow()
+{
+    if (shell.mapWindow == nullptr) {
+        return;
+    }
+    if (shell.mapWindow->window != nullptr) {
+        DestroyWindow(shell.mapWindow->window);
+    }
+    if (currentPort == shell.mapWindow) {
+        SetPort(nullptr);
+    }
+    FreePortRecord(shell.mapWindow);
+    shell.mapWindow = nullptr;
+}
+
+LRESULT CALLBACK MapWindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    const bool isMapWindow = MapWindowExists() && shell.mapWindow->window == window;
+    switch (message) {
+    case WM_DESTROY:
+        ForgetWindow();
+        break;
+    case WM_SIZE:
+        if (isMapWindow) {
+            TakeSize();
+        }
+        break;
+    case WM_WINDOWPOSCHANGED:
+        if (isMapWindow) {
+            TakeClientSize();
+        }
+        break;
+    case WM_GETMINMAXINFO:
+        GiveSizeLimits(reinterpret_cast<MINMAXINFO*>(lParam));
+        return 0;
+    case WM_SIZING:
+        if (shell.mapShown) {
+            LimitSizing(wParam, lParam);
+            return TRUE;
+        }
+        break;
+    case WM_HSCROLL:
+        ScrollMap(1, ScrollShift(view.horizontalScrollBar, wParam, view.viewRect.right - view.viewRect.left), 0);
+        return 0;
+    case WM_VSCROLL:
+        ScrollMap(1, 0, ScrollShift(view.verticalScrollBar, wParam, view.viewRect.bottom - view.viewRect.top));
+        return 0;
+    case WM_CLOSE:
+        if (!QuitIsEnabled(window)) {
+            return 0;
+        }
+        break;
+    case WM_ACTIVATEAPP:
+        if (wParam != 0 && isMapWindow) {
+            PaintMapWindow();
+        }
+        break;
+    case WM_PAINT:
+        return 0;
+    case WM_ERASEBKGND:
+        return 1;
+    case WM_MOUSEMOVE:
+        RestoreCursor();
+        return 0;
+    default:
+        break;
+    }
+    return DefWindowProcA(window, message, wParam, lParam);
+}

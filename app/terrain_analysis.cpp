@@ -1,0 +1,176 @@
+#include "app/map_views.h"
+
+#include "app/commands.h"
+#include "app/map_window.h"
+#include "mapdata/map_record.h"
+#include "toolbox/drawing.h"
+#include "toolbox/menus.h"
+#include "toolbox/offscreen.h"
+#include "toolbox/resources.h"
+
+namespace {
+
+constexpr int markInset = 3; // Woods and Town marks are the cell's 4 by 4 centre
+
+// What a cell's square is filled with.
+enum Ground { roadGround, clearGround, rough1Ground, rough2Ground, rough3Ground, rough4Ground, waterGround };
+constexpr int groundCount = 7;
+constexpr int artGround = -1;  // left as it is
+constexpr int tileGround = -2; // a NO-GO tile
+
+constexpr COLORREF groundColours[groundCount] = {
+    PALETTERGB(255, 255, 255), PALETTERGB(221, 221, 221), PALETTERGB(153, 153, 153), PALETTERGB(102, 102, 102),
+    PALETTERGB(85, 85, 85),    PALETTERGB(0, 0, 0),       PALETTERGB(166, 202, 240),
+};
+constexpr COLORREF woodsColour = PALETTERGB(102, 204, 102);
+constexpr COLORREF townColour = PALETTERGB(153, 0, 51);
+constexpr COLORREF hiLowColour = PALETTERGB(154, 104, 52);
+
+struct AnalysisBrushes {
+    HBRUSH ground[groundCount];
+    HBRUSH woods;
+    HBRUSH town;
+    HBRUSH hiLow;
+};
+
+AnalysisBrushes CreateBrushes()
+{
+    AnalysisBrushes brushes;
+    for (int i = 0; i < groundCount; i++) {
+        brushes.ground[i] = CreateSolidBrush(groundColours[i]);
+    }
+    brushes.woods = CreateSolidBrush(woodsColour);
+    brushes.town = CreateSolidBrush(townColour);
+    brushes.hiLow = CreateSolidBrush(hiLowColour);
+    return brushes;
+}
+
+void DeleteBrushes(const AnalysisBrushes& brushes)
+{
+    for (const HBRUSH brush : brushes.ground) {
+        DeleteObject(brush);
+    }
+    DeleteObject(brushes.woods);
+    DeleteObject(brushes.town);
+    DeleteObject(brushes.hiLow);
+}
+
+int GroundOf(TerrainCell cell)
+{
+    if (cell & cellRoad) {
+        return roadGround;
+    }
+    if (cell & cellNoGoMask) {
+        return tileGround;
+    }
+    switch (cell >> cellMoveCostShift) {
+    case 0:
+        return clearGround;
+    case 1:
+        return rough1Ground;
+    case 2:
+        return rough2Ground;
+    case 3:
+        return rough3Ground;
+    case 4:
+        return rough4Ground;
+    case 6:
+        return waterGround;
+    default:
+        return artGround;
+    }
+}
+
+Rect CellsRect(int firstColumn, int endColumn, int row)
+{
+    Rect rect;
+    SetRect(&rect, firstColumn * cellSize, row * cellSize, endColumn * cellSize, (row + 1) * cellSize);
+    return rect;
+}
+
+void CopyNoGoTile(TerrainCell cell, const Rect& place)
+{
+    const int level = (cell & cellNoGoMask) >> cellNoGoShift;
+    const int16_t left = level == 4 ? 76 : level == 2 ? 65 : 54;
+    const Rect tile = {289, left, 299, static_cast<int16_t>(left + cellSize)};
+    CopyFromInterfaceBitmap(view.mapImage, &tile, &place);
+}
+
+// Fills neighbours of one ground together: one fill for a whole stretch of the row.
+void DrawRowGround(int row, const AnalysisBrushes& brushes)
+{
+    const int columns = currentMap.record.columnCount;
+    int start = 0;
+    while (start < columns) {
+        const TerrainCell cell = currentMap.cellColumns[start][row];
+        const int ground = GroundOf(cell);
+        int end = start + 1;
+        if (ground == tileGround) {
+            CopyNoGoTile(cell, CellsRect(start, end, row));
+        } else {
+            while (end < columns && GroundOf(currentMap.cellColumns[end][row]) == ground) {
+                end++;
+            }
+            if (ground != artGround) {
+                const Rect stretch = CellsRect(start, end, row);
+                FillRectBrush(&stretch, brushes.ground[ground]);
+            }
+        }
+        start = end;
+    }
+}
+
+void DrawRowMarks(int row, const AnalysisBrushes& brushes)
+{
+    for (int column = 0; column < currentMap.record.columnCount; column++) {
+        const TerrainCell cell = currentMap.cellColumns[column][row];
+        if ((cell & (cellWoods | cellTown | cellHiLow)) == 0) {
+            continue;
+        }
+        const Rect place = CellsRect(column, column + 1, row);
+        Rect centre = place;
+        OutsetRect(&centre, -markInset, -markInset);
+        const bool showsTile = (cell & cellRoad) == 0 && (cell & cellNoGoMask) != 0;
+        if ((cell & cellWoods) && !showsTile) {
+            FillRectBrush(&centre, brushes.woods);
+        }
+        if ((cell & cellTown) && !showsTile) {
+            FillRectBrush(&centre, brushes.town);
+        }
+        if (cell & cellHiLow) {
+            FrameRectBrush(&place, brushes.hiLow);
+        }
+    }
+}
+
+} // namespace
+
+void RenderTerrainAnalysis()
+{
+    if (view.mapImage == nullptr) {
+        return;
+    }
+    const AnalysisBrushes brushes = CreateBrushes();
+    WindowPtr savedPort;
+    uintptr_t savedDevice;
+    GetGWorld(&savedPort, &savedDevice);
+    SetGWorld(view.mapImage, 0);
+    for (int row = 0; row < currentMap.record.rowCount; row++) {
+        DrawRowGround(row, brushes);
+        DrawRowMarks(row, brushes);
+    }
+    SetPort(savedPort);
+    DeleteBrushes(brushes);
+    RedrawUTMGridIfShown();
+}
+
+void ToggleTerrainAnalysis()
+{
+    view.terrainAnalysisOn = view.terrainAnalysisOn == 0 ? 1 : 0;
+    CheckItem(shell.viewMenu, analysisItem, view.terrainAnalysisOn);
+    SetCursorById(waitCursor);
+    LoadMapArt();
+    RedrawUTMGridIfShown();
+    InitCursor();
+    InvalidateMapRect(nullptr);
+}

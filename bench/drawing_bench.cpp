@@ -1,0 +1,169 @@
+// What the user waits for on the screen, each beside the plain memory work that it cannot do without.
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+#include <vector>
+
+#include "bench/bench.h"
+
+#include "editing/overlay.h"
+#include "editing/stroke.h"
+#include "mapdata/map_record.h"
+#include "toolbox/shell_door.h"
+#include "toolbox/windows.h"
+
+namespace {
+
+int ViewWidth()
+{
+    return view.viewRect.right - view.viewRect.left;
+}
+
+int ViewHeight()
+{
+    return view.viewRect.bottom - view.viewRect.top;
+}
+
+std::vector<unsigned>& WindowPixels()
+{
+    static std::vector<unsigned> pixels(static_cast<size_t>(benchScreenWidth) * benchScreenHeight);
+    return pixels;
+}
+
+void CopyViewRows()
+{
+    const unsigned* source = LargePixels();
+    unsigned* target = WindowPixels().data();
+    for (int row = 0; row < ViewHeight(); row++) {
+        memcpy(target + static_cast<size_t>(row) * benchScreenWidth, source + static_cast<size_t>(row) * largestSide,
+               static_cast<size_t>(ViewWidth()) * sizeof(unsigned));
+    }
+    benchmark::ClobberMemory();
+}
+
+void FillCellSquare(unsigned* pixels, int stride, int column, int row, unsigned colour)
+{
+    for (int v = 0; v < cellSize; v++) {
+        unsigned* line = pixels + static_cast<size_t>(row * cellSize + v) * static_cast<size_t>(stride) +
+                         static_cast<size_t>(column) * cellSize;
+        for (int h = 0; h < cellSize; h++) {
+            line[h] = colour;
+        }
+    }
+}
+
+void FillSquares(int count)
+{
+    const int columns = ViewWidth() / cellSize;
+    const int cells = columns * (ViewHeight() / cellSize);
+    for (int i = 0; i < count; i++) {
+        const int cell = static_cast<int>(static_cast<long>(i) * cells / count);
+        FillCellSquare(WindowPixels().data(), benchScreenWidth, cell % columns, cell / columns, 0x00FF0000);
+    }
+    benchmark::ClobberMemory();
+}
+
+void LimitCopyView(benchmark::State& state)
+{
+    OpenLargestMap();
+    for (auto _ : state) {
+        CopyViewRows();
+    }
+}
+BENCHMARK(LimitCopyView)->Unit(benchmark::kMicrosecond);
+
+void RepaintView(benchmark::State& state)
+{
+    OpenLargestMap();
+    for (auto _ : state) {
+        InvalidateMapRect(nullptr);
+        PaintMapWindow();
+    }
+}
+BENCHMARK(RepaintView)->Unit(benchmark::kMicrosecond);
+
+constexpr int markedCells = 17000; // most of a full screen's cells
+
+void LimitCopyAndFills(benchmark::State& state)
+{
+    OpenLargestMap();
+    for (auto _ : state) {
+        CopyViewRows();
+        FillSquares(markedCells);
+    }
+}
+BENCHMARK(LimitCopyAndFills)->Unit(benchmark::kMicrosecond);
+
+void FeaturesOverlay(benchmark::State& state)
+{
+    OpenLargestMap();
+    MarkCells(markedCells);
+    editing.featureTool = woodsTool;
+    shell.featuresPaletteOpen = 1;
+    for (auto _ : state) {
+        InvalidateMapRect(nullptr);
+        PaintMapWindow();
+    }
+    shell.featuresPaletteOpen = 0;
+}
+BENCHMARK(FeaturesOverlay)->Unit(benchmark::kMicrosecond);
+
+void MoveCostOverlay(benchmark::State& state)
+{
+    OpenLargestMap();
+    editing.moveCostTool = clearTool;
+    editing.brushStyle = static_cast<int16_t>(state.range(0));
+    for (int16_t* flag : {&editing.showClear, &editing.showRough1, &editing.showRough2, &editing.showRough3,
+                          &editing.showRough4, &editing.showWater}) {
+        *flag = 1;
+    }
+    shell.moveCostPaletteOpen = 1;
+    for (auto _ : state) {
+        InvalidateMapRect(nullptr);
+        PaintMapWindow();
+    }
+    shell.moveCostPaletteOpen = 0;
+}
+BENCHMARK(MoveCostOverlay)->Arg(solidBrush)->Arg(dotBrush)->Arg(frameBrush)->Unit(benchmark::kMicrosecond);
+
+void StrokeCell(benchmark::State& state)
+{
+    OpenLargestMap();
+    editing.featureTool = woodsTool;
+    shell.featuresPaletteOpen = 1;
+    SetPort(shell.mapWindow);
+    int column = 0;
+    for (auto _ : state) {
+        PaintFeatureCell(column, 20, toggleCell);
+        GdiFlush();
+        column = (column + 1) % 100;
+    }
+    shell.featuresPaletteOpen = 0;
+}
+BENCHMARK(StrokeCell)->Unit(benchmark::kMicrosecond);
+
+void LimitAnalysisPixels(benchmark::State& state)
+{
+    OpenLargestMap();
+    std::vector<unsigned> pixels(static_cast<size_t>(largestSide) * largestSide);
+    for (auto _ : state) {
+        for (int row = 0; row < maxCellCount; row++) {
+            for (int column = 0; column < maxCellCount; column++) {
+                FillCellSquare(pixels.data(), largestSide, column, row, currentMap.cellColumns[column][row]);
+            }
+        }
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(LimitAnalysisPixels)->Unit(benchmark::kMillisecond);
+
+void TerrainAnalysis(benchmark::State& state)
+{
+    OpenLargestMap();
+    for (auto _ : state) {
+        RenderTerrainAnalysis();
+    }
+}
+BENCHMARK(TerrainAnalysis)->Unit(benchmark::kMillisecond);
+
+} // namespace

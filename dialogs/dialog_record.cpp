@@ -1,0 +1,338 @@
+// Dialogs and their items: made, found, read, set and disposed of.
+#include "dialogs/item_drawing.h"
+
+#include "toolbox/resources.h"
+#include "toolbox/shell_door.h"
+
+#include <iterator>
+
+namespace {
+
+constexpr DWORD dialogWindowStyle = WS_POPUP | WS_BORDER;
+
+HWND NewDialogWindow(int left, int top, int width, int height)
+{
+    const HWND owner = shell.mapWindow != nullptr ? shell.mapWindow->window : nullptr;
+    const HWND window = CreateWindowExA(0, "WMockDialogClass", "", dialogWindowStyle, left, top, width, height, owner,
+                                        nullptr, shell.appInstance, nullptr);
+    if (window != nullptr) {
+        constexpr UINT orderOnly = SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE;
+        SetWindowPos(window, HWND_TOPMOST, 0, 0, 0, 0, orderOnly);
+        SetWindowPos(window, HWND_NOTOPMOST, 0, 0, 0, 0, orderOnly);
+    }
+    return window;
+}
+
+template <typename Record>
+Record* NewZeroFilled()
+{
+    const HGLOBAL block = GlobalAlloc(GHND, sizeof(Record));
+    return block != nullptr ? static_cast<Record*>(GlobalLock(block)) : nullptr;
+}
+
+void FreeBlock(void* address)
+{
+    const HGLOBAL block = GlobalHandle(address);
+    GlobalUnlock(block);
+    GlobalFree(block);
+}
+
+void PlaceItem(DialogItem* item, int rectCount, const Rect* rects, int textH, int textV)
+{
+    const Rect& port = item->dialog->portRect;
+    switch (item->kind) {
+    case closeBoxItem:
+        SetRect(&item->rect, 8, 5, 17, 14);
+        item->sound = 0;
+        break;
+    case rightTitleBoxItem:
+        SetRect(&item->rect, port.right - 17, 5, port.right - 8, 14);
+        item->sound = 0;
+        break;
+    case titleBarItem:
+        SetRect(&item->rect, port.left, port.top, port.right, port.top + 18);
+        item->sound = 0;
+        break;
+    default:
+        if (rectCount >= 1) {
+            item->rect = rects[0];
+        }
+        break;
+    }
+    if (item->kind == checkBoxItem) {
+        const bool labelAtBox = textH == 0 && textV == 0;
+        item->textH = static_cast<int16_t>(labelAtBox ? item->rect.right + 4 : textH);
+        item->textV = static_cast<int16_t>(labelAtBox ? item->rect.bottom - 2 : textV);
+    }
+    constexpr int imageStates[] = {0, 2, 1, 3};
+    for (int i = 1; i < rectCount && i <= static_cast<int>(std::size(imageStates)); i++) {
+        item->images[imageStates[i - 1]] = rects[i];
+    }
+}
+
+void AppendItem(WindowPtr dialog, DialogItem* item)
+{
+    DialogItem** end = &dialog->firstItem;
+    while (*end != nullptr) {
+        end = &(*end)->next;
+    }
+    *end = item;
+    dialog->itemCount++;
+    item->number = dialog->itemCount;
+}
+
+DialogItem* AddStandardButton(WindowPtr dialog, int left, int top, int right, int bottom, int list, int index,
+                              int32_t itemID)
+{
+    char text[textBufferSize];
+    GetIndString(text, list, index);
+    return AddPushButton(dialog, left, top, right, bottom, text, itemID);
+}
+
+// When the system closes the map window its dialogs go with it. The record stays, without a window, until the owner's
+// loop ends and disposes of it.
+void LoseWindow(WindowPtr dialog)
+{
+    PutObjectBack(dialog->dc, dialog->initialFont, dialog->initialFont);
+    PutObjectBack(dialog->dc, dialog->initialPen, dialog->initialPen);
+    SetWindowLongPtrA(dialog->window, 0, 0);
+    dialog->window = nullptr;
+    dialog->dc = nullptr;
+}
+
+DialogItem* FindItem(WindowPtr dialog, int32_t itemID, int number)
+{
+    return itemID != 0 ? FindItemByID(dialog, itemID) : FindItemByNumber(dialog, number);
+}
+
+} // namespace
+
+WindowPtr NewMockDialog(int frameStyle, int width, int height, const char* title, const Point* topLeft)
+{
+    Point corner = {};
+    if (topLeft != nullptr) {
+        corner = *topLeft;
+    } else {
+        const Rect& screen = shell.screenRect;
+        SetPt(&corner, screen.left + (screen.right - screen.left - width) / 2,
+              screen.top + (screen.bottom - screen.top - height) / 2);
+    }
+    const WindowPtr dialog = NewPortRecord();
+    if (dialog == nullptr) {
+        return nullptr;
+    }
+    const HWND window = NewDialogWindow(corner.h, corner.v, width, height);
+    if (window == nullptr) {
+        FreePortRecord(dialog);
+        return nullptr;
+    }
+    PrepareWindowPort(dialog, window);
+    // Where pop-ups have a border the window still has to grow by it.
+    SizeWindow(dialog, width, height, 0);
+    MoveWindowTo(dialog, corner.h, corner.v, 0);
+
+    WindowPtr savedPort = nullptr;
+    GetPort(&savedPort);
+    SetPort(dialog);
+    SetPortFont(fontTimesBold, 12, styleBold);
+    TextForeColor(PALETTERGB(0, 0, 0));
+    BackColor(dialogBackColour);
+    SetPort(savedPort);
+
+    if (title != nullptr && title[0] != 0) {
+        SetWTitle(dialog, title);
+    }
+    dialog->frameStyle = static_cast<uint8_t>(frameStyle);
+    return dialog;
+}
+
+DialogItem* AddDialogItem(WindowPtr dialog, int rectCount, const Rect* rects, const char* text, int textH, int textV,
+                          int visible, COLORREF colour, int kind, int32_t itemID, int textStyle, int textSize)
+{
+    DialogItem* item = dialog != nullptr ? NewZeroFilled<DialogItem>() : nullptr;
+    if (item == nullptr) {
+        return nullptr;
+    }
+    item->dialog = dialog;
+    item->dc = dialog->dc;
+    item->clickable = kind != staticTextItem;
+    item->visible = visible != 0;
+    item->kind = static_cast<uint8_t>(kind);
+    item->itemID = itemID;
+    item->sound = kind != staticTextItem ? refusalSound : 0;
+    item->textColor = dialogTextColour;
+    item->backColor = dialogBackColour;
+    item->tracksMouse = rectCount > 2;
+    if (kind == checkBoxItem || kind == staticTextItem || kind == editTextItem) {
+        item->textStyle = static_cast<uint8_t>(textStyle);
+        item->textSize = static_cast<uint8_t>(textSize);
+    }
+    if (kind == checkBoxItem) {
+        item->state = static_cast<uint8_t>(colour);
+    } else if (kind == staticTextItem || kind == editTextItem) {
+        item->textColor = colour;
+    }
+    PlaceItem(item, rectCount, rects, textH, textV);
+    if (text != nullptr) {
+        CopyText(text, item->text);
+    }
+    AppendItem(dialog, item);
+    return item;
+}
+
+DialogItem* AddPushButton(WindowPtr dialog, int left, int top, int right, int bottom, const char* text,
+                          int32_t itemID)
+{
+    Rect rects[3] = {}; // more than two, so that a press is tracked
+    SetRect(&rects[0], left, top, right, bottom);
+    return AddDialogItem(dialog, std::size(rects), rects, text, 0, 0, 1, dialogTextColour, pushButtonItem, itemID,
+                         stylePlain, 10);
+}
+
+DialogItem* AddOKButton(WindowPtr dialog, int left, int top, int right, int bottom)
+{
+    return AddStandardButton(dialog, left, top, right, bottom, 4000, 116, okItemID);
+}
+
+DialogItem* AddCancelButton(WindowPtr dialog, int left, int top, int right, int bottom)
+{
+    return AddStandardButton(dialog, left, top, right, bottom, 6000, 44, cancelItemID);
+}
+
+DialogItem* AddStaticText(WindowPtr dialog, int left, int top, int right, int bottom, const char* text)
+{
+    Rect rect;
+    SetRect(&rect, left, top, right, bottom);
+    return AddDialogItem(dialog, 1, &rect, text, 0, 0, 1, dialogTextColour, staticTextItem, 0, styleBold, 10);
+}
+
+void DisposeMockDialog(WindowPtr dialog)
+{
+    if (dialog == nullptr) {
+        return;
+    }
+    while (dialog->firstItem != nullptr) {
+        DialogItem* item = dialog->firstItem;
+        dialog->firstItem = item->next;
+        FreeBlock(item);
+    }
+    const HWND window = dialog->window;
+    if (window == nullptr) {
+        FreePortRecord(dialog);
+        return;
+    }
+    ReleaseWindowPort(dialog);
+    DestroyWindow(window);
+}
+
+int FindItemAt(Point point, WindowPtr dialog, DialogItem** item)
+{
+    *item = nullptr;
+    if (dialog == nullptr) {
+        return 0;
+    }
+    DialogItem* candidate = dialog->firstItem;
+    while (candidate != nullptr && !(candidate->clickable && PtInRect(point, &candidate->rect))) {
+        candidate = candidate->next;
+    }
+    *item = candidate;
+    return candidate != nullptr;
+}
+
+int DialogItemKind(const DialogItem* item)
+{
+    return item->kind;
+}
+
+DialogItem* FindItemByID(WindowPtr dialog, int32_t itemID)
+{
+    DialogItem* item = dialog != nullptr ? dialog->firstItem : nullptr;
+    while (item != nullptr && item->itemID != itemID) {
+        item = item->next;
+    }
+    return item;
+}
+
+DialogItem* FindItemByNumber(WindowPtr dialog, int number)
+{
+    DialogItem* item = dialog != nullptr ? dialog->firstItem : nullptr;
+    while (item != nullptr && item->number != number) {
+        item = item->next;
+    }
+    return item;
+}
+
+void SelectEditItem(WindowPtr dialog, int32_t itemID, int number)
+{
+    DialogItem* item = FindItem(dialog, itemID, number);
+    if (item == nullptr || item->kind != editTextItem) {
+        return;
+    }
+    if (dialog->activeEditItem != nullptr && dialog->activeEditItem != item) {
+        InvalidateWindowRect(dialog, &dialog->activeEditItem->rect);
+    }
+    dialog->activeEditItem = item;
+    InvalidateWindowRect(dialog, &item->rect);
+}
+
+int32_t GetItemValue(WindowPtr dialog, int32_t itemID, int number)
+{
+    const DialogItem* item = FindItem(dialog, itemID, number);
+    int32_t value = 0;
+    if (item != nullptr) {
+        StringToNum(item->text, &value);
+    }
+    return value;
+}
+
+void SetItemState(WindowPtr dialog, int32_t itemID, int number, int state)
+{
+    DialogItem* item = FindItem(dialog, itemID, number);
+    if (item != nullptr && item->state != state) {
+        item->state = static_cast<uint8_t>(state);
+        InvalidateWindowRect(dialog, &item->rect);
+    }
+}
+
+bool ItemStateIs(WindowPtr dialog, int32_t itemID, int number, int state)
+{
+    const DialogItem* item = FindItem(dialog, itemID, number);
+    return item != nullptr && item->state == state;
+}
+
+int GetItemState(WindowPtr dialog, int32_t itemID, int number)
+{
+    const DialogItem* item = FindItem(dialog, itemID, number);
+    return item != nullptr ? item->state : 0;
+}
+
+void ToggleItem(WindowPtr dialog, int32_t itemID, int number)
+{
+    SetItemState(dialog, itemID, number, GetItemState(dialog, itemID, number) == 1 ? 0 : 1);
+}
+
+LRESULT CALLBACK DialogWindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    const WindowPtr dialog = WindowRecord(window);
+    switch (message) {
+    case WM_PAINT:
+        if (dialog != nullptr) {
+            DrawMockDialog(dialog, true);
+            return 0;
+        }
+        break;
+    case WM_DESTROY:
+        if (dialog != nullptr) {
+            LoseWindow(dialog);
+        }
+        break;
+    case WM_ERASEBKGND:
+        return 1;
+    case WM_MOUSEMOVE:
+        RestoreCursor();
+        return 0;
+    default:
+        break;
+    }
+    return DefWindowProcA(window, message, wParam, lParam);
+}

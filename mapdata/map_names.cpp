@@ -1,0 +1,80 @@
+// The naming rule of a map's two files, and the alert that explains it.
+#include "dialogs/modal.h"
+#include "mapdata/map_commands.h"
+#include "toolbox/menus.h"
+#include "toolbox/resources.h"
+#include "toolbox/shell_door.h"
+
+namespace {
+
+void FileNameForID(int id, const char* ending, char* name)
+{
+    CopyText("Map", name);
+    for (int limit = 100; limit > 1 && id < limit; limit /= 10) {
+        AppendZero(name);
+    }
+    AppendNumber(name, id);
+    AppendText(name, ending);
+}
+
+struct RuleLine {
+    int top;
+    int bottom;
+    int dataFileIndex; // list 15000
+    int artFileIndex;
+};
+
+constexpr RuleLine ruleLines[] = {
+    {35, 70, 173, 129},
+    {70, 105, 174, 130},
+    {105, 140, 131, 131},
+    {125, 160, 175, 132},
+};
+
+} // namespace
+
+void DataFileNameForID(int id, char* name)
+{
+    FileNameForID(id, "c.dat", name);
+}
+
+void ArtFileNameForID(int id, char* name)
+{
+    FileNameForID(id, "c.bmp", name);
+}
+
+void FileNameRuleAlert(int which)
+{
+    constexpr int width = 400;
+    constexpr int height = 190;
+    WindowPtr savedPort = nullptr;
+    GetPort(&savedPort);
+    const WindowPtr dialog = NewMockDialog(0, width, height, "", nullptr);
+    if (dialog == nullptr) {
+        return;
+    }
+    DisableMenuTitles();
+    dialog->defaultItem = AddOKButton(dialog, 340, 160, 390, 180);
+
+    const bool isDataFile = which == 1;
+    char text[textBufferSize] = "";
+    CopyText(isDataFile ? currentMap.dataFileSpec.name : currentMap.artFileSpec.name, text);
+    AppendText(text, " ?");
+    AddStaticText(dialog, 10, 10, width - 10, 27, text);
+    for (const RuleLine& line : ruleLines) {
+        GetIndString(text, 15000, isDataFile ? line.dataFileIndex : line.artFileIndex);
+        AddStaticText(dialog, 10, line.top, width - 10, line.bottom, text);
+    }
+
+    ShowWindowInactive(dialog);
+    DrawMockDialog(dialog, true);
+    PlaySoundResource(alertSound);
+    int32_t itemHit = 0;
+    int32_t itemID = 0;
+    while (RunDialogStep(dialog, &itemHit, &itemID) && itemHit != 1) {
+    }
+    DisposeMockDialog(dialog);
+    SetPort(savedPort);
+    PaintMapWindow();
+    AdjustMenus();
+}

@@ -1,0 +1,138 @@
+#include "mapdata/file_paths.h"
+#include "mapdata/number_dialog.h"
+#include "toolbox/drawing.h"
+#include "toolbox/resources.h"
+#include "toolbox/shell_door.h"
+
+#include <cstring>
+#include <iterator>
+
+namespace {
+
+struct ArtSize {
+    int width;
+    int height;
+};
+
+bool ReadArtSize(ArtSize* size)
+{
+    char path[textBufferSize];
+    if (!FullPath(&currentMap.artFileSpec, path)) {
+        return false;
+    }
+    const HANDLE art = LoadImageA(nullptr, path, IMAGE_BITMAP, 0, 0, LR_LOADFROMFILE | LR_CREATEDIBSECTION);
+    if (art == nullptr) {
+        return false;
+    }
+    BITMAP bitmap = {};
+    const bool known = GetObjectA(art, sizeof bitmap, &bitmap) != 0;
+    DeleteObject(art);
+    size->width = bitmap.bmWidth;
+    size->height = bitmap.bmHeight;
+    return known;
+}
+
+// auxWord1 and mapText keep their values.
+void FillNewRecord(int id, const ArtSize& art, int version, int easting, int northing)
+{
+    MapRecord& record = currentMap.record;
+    record.mapID = static_cast<int16_t>(id);
+    currentMap.loadedMapID = record.mapID;
+    record.auxWord2 = 0;
+    record.columnCount = static_cast<int16_t>(CellCountOf(art.width));
+    record.rowCount = static_cast<int16_t>(CellCountOf(art.height));
+    SetRect(&record.mapRect, 0, 0, art.width, art.height);
+    record.areaFlag1 = 1;
+    record.areaRect1 = record.mapRect;
+    record.areaFlag2 = 0;
+    record.areaRect2 = {};
+    record.areaFlag3 = 0;
+    record.areaRect3 = {};
+    record.markerWord = 1;
+    record.utmEasting = static_cast<int16_t>(easting);
+    record.utmNorthing = static_cast<int16_t>(northing);
+    record.versionNumber = static_cast<int16_t>(version);
+    SetEditableRect();
+}
+
+} // namespace
+
+void NewMapCommand()
+{
+    int16_t id = 0;
+    bool created = ChooseArtFile() == 0 && CheckArtFileName(&id) == 0 && NewMapDialog(id) == 0;
+    if (created) {
+        created = AllocateCellColumns() == 0;
+        if (created) {
+            ClearAllCells();
+            created = FinishMapLoad() == 0;
+        }
+    }
+    if (created) {
+        currentMap.mapModified = 1;
+    }
+    AdjustMenus();
+    InitCursor();
+}
+
+int16_t ChooseArtFile()
+{
+    char title[textBufferSize];
+    GetIndString(title, 4000, 197);
+    if (!ChooseFileSpec(title, "Map bmp file (*.bmp)\0*.bmp\0", &currentMap.artFileSpec)) {
+        return 1;
+    }
+    currentMap.dataFileSpec = currentMap.artFileSpec;
+    ReplaceMapFileType(currentMap.dataFileSpec.name, "dat");
+    return 0;
+}
+
+int16_t CheckArtFileName(int16_t* id)
+{
+    const char* name = currentMap.artFileSpec.name;
+    char start[4] = "";
+    int number = 0;
+    bool follows = strlen(name) == strlen("Map101c.bmp");
+    if (follows) {
+        memcpy(start, name, 3);
+        follows = EqualString(start, "Map", 0, 0) && EqualString(name + 6, "c.bmp", 0, 0);
+    }
+    for (int i = 3; follows && i < 6; i++) {
+        follows = name[i] >= '0' && name[i] <= '9';
+        number = 10 * number + name[i] - '0';
+    }
+    if (!follows || number < minMapID || number > maxMapID) {
+        FileNameRuleAlert(2);
+        return 1;
+    }
+    *id = static_cast<int16_t>(number);
+    return 0;
+}
+
+int16_t NewMapDialog(int16_t id)
+{
+    ArtSize art = {};
+    if (!ReadArtSize(&art)) {
+        return 1;
+    }
+    char heading[textBufferSize] = "";
+    CopyText(currentMap.dataFileSpec.name, heading);
+    AppendText(heading, " and ");
+    AppendText(heading, currentMap.artFileSpec.name);
+    NumberField fields[] = {
+        {shownNumber, 101, 30, id, minMapID, maxMapID, 117, 123},
+        {shownNumber, 102, 50, art.width, minMapWidth, maxMapSide, 118, 124},
+        {shownNumber, 103, 70, art.height, minMapHeight, maxMapSide, 119, 125},
+        {editedNumber, 105, 90, 100, 100, 999, 120, 126},
+        {editedNumber, 106, 110, 0, 0, 99, 121, 127},
+        {editedNumber, 107, 130, 0, 0, 99, 122, 128},
+    };
+    // A map that was opened by its command key under the dialog stays.
+    const bool accepted = RunNumberDialog(460, 190, heading, fields, std::size(fields)) && !shell.mapShown;
+    PaintMapWindow();
+    if (accepted) {
+        FillNewRecord(fields[0].value, art, fields[3].value, fields[4].value, fields[5].value);
+    }
+    AdjustMenus();
+    return accepted ? 0 : 1;
+}

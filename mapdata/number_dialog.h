@@ -1,0 +1,23 @@
+// The dialog that New Map and the map properties share: numbers with labels, checked against their limits.
+#pragma once
+
+#include "mapdata/map_commands.h"
+
+enum NumberFieldKind { shownNumber, editedNumber };
+
+struct NumberField {
+    NumberFieldKind kind;
+    int32_t itemID;
+    int top;
+    int value; // shown at first; as the user left it after OK
+    int least;
+    int greatest;
+    int labelIndex; // list 15000
+    int errorIndex; // list 15000
+};
+
+// A dialog of that size with OK and Cancel, an optional line of text on top and the fields. OK ends it only when
+// every number is within its limits; the first one that is not gets its message. 1 for OK; 0 for Cancel, for a
+// program that is to end, and when the dialog could not be made. The map window is not repainted and the menu titles
+// stay gray.
+int RunNumberDialog(int width, int height, const char* heading, NumberField* fields, int fieldCount);

@@ -1,0 +1,156 @@
+#include "dialogs/modal.h"
+#include "mapdata/data_file.h"
+#include "mapdata/file_paths.h"
+#include "mapdata/map_commands.h"
+#include "toolbox/offscreen.h"
+#include "toolbox/resources.h"
+#include "toolbox/shell_door.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+int16_t ReadDataFile()
+{
+    if (ReadMapHeader(currentMap.openDataFile) != 0) {
+        CloseMapDataFile();
+        MessageAlert(0, 0, alertSound, 15000, 133, nullptr);
+        return 1;
+    }
+    if (AllocateCellColumns() != 0) {
+        return 1;
+    }
+    if (ReadMapCells(currentMap.openDataFile) != 0) {
+        ReleaseCellColumns();
+        return 1;
+    }
+    return 0;
+}
+
+// The number in the 4th to 6th character of a map file's name, 0 when there is none from 100 to 999.
+int MapNumberInName(const char* name)
+{
+    char digits[4] = "";
+    for (size_t i = 0; i < 3 && strlen(name) > i + 3; i++) {
+        digits[i] = name[i + 3];
+    }
+    int32_t number = 0;
+    StringToNum(digits, &number);
+    return number >= minMapID && number <= maxMapID ? number : 0;
+}
+
+// Brings view and window back to the state without a map, so that the next attempt starts as the first one did.
+void ForgetMapView()
+{
+    ReleaseMapResources();
+    LoadInterfaceBitmap();
+    shell.mapShown = 0;
+    for (HWND* bar : {&view.verticalScrollBar, &view.horizontalScrollBar}) {
+        if (*bar != nullptr) {
+            DestroyWindow(*bar);
+            *bar = nullptr;
+        }
+    }
+    view.hasScrollBars = 0;
+    if (shell.mapWindow != nullptr) {
+        view.viewRect = shell.mapWindow->portRect;
+    }
+    InvalidateMapRect(nullptr);
+    PaintMapWindow();
+}
+
+int16_t MakeMapImage()
+{
+    DisposeGWorld(view.mapImage);
+    view.mapImage = nullptr;
+    return NewGWorld(&view.mapImage, 32, &currentMap.record.mapRect, nullptr, nullptr, 0);
+}
+
+void SetMapTitle()
+{
+    char title[textBufferSize] = "Kestrel Map Tool ";
+    char version[textBufferSize] = "";
+    MakeVersionText(version);
+    AppendText(title, version);
+    AppendDash(title);
+    AppendText(title, currentMap.dataFileSpec.name);
+    SetWTitle(shell.mapWindow, title);
+}
+
+} // namespace
+
+void OpenMapCommand()
+{
+    CloseMapDataFile();
+    const bool opened =
+        ChooseMapDataFile() == 0 && OpenMapDataFile() == 0 && ReadDataFile() == 0 && FinishMapLoad() == 0;
+    if (!opened) {
+        CloseMapDataFile();
+    }
+    AdjustMenus();
+    InitCursor();
+}
+
+int16_t ChooseMapDataFile()
+{
+    if (!ChooseFileSpec("Select a map...", "Map dat file (*.dat)\0*.dat\0", &currentMap.dataFileSpec)) {
+        return 1;
+    }
+    const char* dataName = currentMap.dataFileSpec.name;
+    const int number = MapNumberInName(dataName);
+    if (number == 0) {
+        FileNameRuleAlert(1);
+        return 1;
+    }
+    currentMap.artFileSpec = currentMap.dataFileSpec;
+    char* artName = currentMap.artFileSpec.name;
+    const bool namesArt = ReplaceMapFileType(artName, "bmp");
+    if (!namesArt || GetFileAttributesA(artName) == INVALID_FILE_ATTRIBUTES) {
+        char expectedName[textBufferSize] = "";
+        ArtFileNameForID(number, expectedName);
+        char message[textBufferSize] = "Could not find a map art file named: ";
+        AppendText(message, expectedName);
+        MessageAlert(0, 0, alertSound, 0, 0, message);
+        return 1;
+    }
+    return 0;
+}
+
+int16_t OpenMapDataFile()
+{
+    if (OpenFileSpecRead(&currentMap.dataFileSpec, &currentMap.openDataFile) != 0) {
+        MessageAlert(0, 0, alertSound, 15000, 135, nullptr);
+        return 1;
+    }
+    return 0;
+}
+
+int16_t FinishMapLoad()
+{
+    if (shell.mapWindow == nullptr || shell.mapWindow->window == nullptr) {
+        ReleaseCellColumns();
+        return 1;
+    }
+    const Rect& mapRect = currentMap.record.mapRect;
+    view.viewRect.right = std::min(view.viewRect.right, mapRect.right);
+    view.viewRect.bottom = std::min(view.viewRect.bottom, mapRect.bottom);
+    SizeWindow(shell.mapWindow, std::max(view.viewRect.right - view.viewRect.left, 1),
+               std::max(view.viewRect.bottom - view.viewRect.top, 1), 1);
+    const int16_t imageStatus = MakeMapImage();
+    if (imageStatus != 0) {
+        ForgetMapView();
+        return imageStatus;
+    }
+    FitWindowToMap();
+    CreateScrollBarsIfNeeded();
+    if (LoadMapArt() != 0) {
+        ForgetMapView();
+        return 1;
+    }
+    SetMapTitle();
+    shell.mapShown = 1;
+    InvalidateMapRect(nullptr);
+    PaintMapWindow();
+    return 0;
+}

@@ -1,0 +1,47 @@
+// Open-file dialog (COMDLG32), document opener (SHELL32), sound (WINMM).
+#pragma once
+
+#include "platform/api/types.h"
+
+#define OFN_OVERWRITEPROMPT 0x00000002
+#define OFN_HIDEREADONLY 0x00000004
+#define OFN_NOCHANGEDIR 0x00000008
+
+typedef struct tagOFNA {
+    DWORD lStructSize;
+    HWND hwndOwner;
+    HINSTANCE hInstance;
+    LPCSTR lpstrFilter; // pairs of text and pattern, each zero-terminated, the list closed by an empty text
+    LPSTR lpstrCustomFilter;
+    DWORD nMaxCustFilter;
+    DWORD nFilterIndex; // counts from 1
+    LPSTR lpstrFile;
+    DWORD nMaxFile;
+    LPSTR lpstrFileTitle;
+    DWORD nMaxFileTitle;
+    LPCSTR lpstrInitialDir;
+    LPCSTR lpstrTitle;
+    DWORD Flags;
+    WORD nFileOffset;
+    WORD nFileExtension;
+    LPCSTR lpstrDefExt;
+} OPENFILENAMEA;
+
+// Lets the user choose one existing file. FALSE when the user cancelled or the path does not fit the buffer.
+BOOL WINAPI GetOpenFileNameA(OPENFILENAMEA* request);
+
+// Only the verb "open", which hands the document to the desktop's own opener and returns at once. A relative file name
+// is looked for in the folder given. The result is above 32 when an opener was started.
+HINSTANCE WINAPI ShellExecuteA(HWND owner, LPCSTR verb, LPCSTR file, LPCSTR parameters, LPCSTR folder, int show);
+
+#define SND_SYNC 0x0000
+#define SND_ASYNC 0x0001
+#define SND_NODEFAULT 0x0002
+#define SND_MEMORY 0x0004
+#define SND_NOSTOP 0x0010
+#define SND_RESOURCE 0x00040004
+
+// Plays a "WAVE" resource of the module to its end, or with no name stops what plays. Silent and prompt where there is
+// no such resource or no sound device.
+BOOL WINAPI PlaySoundA(LPCSTR name, HMODULE module, DWORD flags);
+BOOL WINAPI sndPlaySoundA(LPCSTR name, UINT flags);

@@ -1,0 +1,123 @@
+#include "platform/gdi/dib.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <sys/mman.h>
+
+// ---- memory ----
+
+constexpr size_t pageBlockSize = 1 << 20;
+// From here on the system is asked for huge pages: the first touch of a large picture costs far less.
+constexpr size_t hugeBlockSize = 8 << 20;
+
+bool AllocateBlock(PixelBlock* block, size_t size)
+{
+    void* bytes = nullptr;
+    if (size >= pageBlockSize) {
+        bytes = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (bytes == MAP_FAILED)
+            return false;
+        if (size >= hugeBlockSize)
+            madvise(bytes, size, MADV_HUGEPAGE);
+    } else {
+        bytes = calloc(size, 1);
+    }
+    *block = {static_cast<uint8_t*>(bytes), size};
+    return bytes != nullptr;
+}
+
+void FreeBlock(PixelBlock* block)
+{
+    if (block->size >= pageBlockSize)
+        munmap(block->bytes, block->size);
+    else
+        free(block->bytes);
+    *block = {nullptr, 0};
+}
+
+HBITMAP NewBitmapRecord()
+{
+    HBITMAP bitmap = new (std::nothrow) HBITMAP__{};
+    if (bitmap)
+        bitmap->header = {ObjectType::bitmap, 0, false};
+    return bitmap;
+}
+
+void FreeBitmap(HBITMAP bitmap)
+{
+    FreeBlock(&bitmap->block);
+    delete bitmap;
+}
+
+HBITMAP NewNativeBitmap(int width, int height)
+{
+    if (width < 1 || height < 1)
+        return nullptr;
+    size_t columns = static_cast<size_t>(width);
+    size_t rows = static_cast<size_t>(height);
+    if (rows > SIZE_MAX / sizeof(uint32_t) / columns)
+        return nullptr;
+    HBITMAP bitmap = NewBitmapRecord();
+    if (!bitmap)
+        return nullptr;
+    if (!AllocateBlock(&bitmap->block, columns * rows * sizeof(uint32_t))) {
+        FreeBitmap(bitmap);
+        return nullptr;
+    }
+    bitmap->surface = {reinterpret_cast<uint32_t*>(bitmap->block.bytes), width, height, width, {}};
+    bitmap->rows = {
+        bitmap->block.bytes, static_cast<ptrdiff_t>(columns * sizeof(uint32_t)), width, height, 32, nullptr};
+    return bitmap;
+}
+
+// ---- bitmaps ----
+
+HBITMAP WINAPI CreateCompatibleBitmap(HDC dc, int width, int height)
+{
+    return dc ? NewNativeBitmap(width, height) : nullptr;
+}
+
+HBITMAP WINAPI CreateDIBitmap(HDC dc, const BITMAPINFOHEADER* header, DWORD flags, const void* bits,
+                              const BITMAPINFO* info, UINT usage)
+{
+    if (!dc || !header || !bits || !info || flags != CBM_INIT || usage != DIB_RGB_COLORS)
+        return nullptr;
+    int depth = header->biBitCount;
+    int64_t height = header->biHeight;
+    if (header->biCompression != BI_RGB || (depth != 1 && depth != 4 && depth != 8 && depth != 24))
+        return nullptr;
+    if (header->biWidth < 1 || header->biWidth > largestSide || height == 0 || std::abs(height) > largestSide)
+        return nullptr;
+    DibLayout layout = {};
+    layout.width = header->biWidth;
+    layout.height = static_cast<int>(std::abs(height));
+    layout.topDown = height < 0;
+    layout.bits = depth;
+    if (depth <= 8) {
+        DWORD possible = 1u << depth;
+        DWORD used = info->bmiHeader.biClrUsed;
+        const uint8_t* table = reinterpret_cast<const uint8_t*>(info) + info->bmiHeader.biSize;
+        ReadColourTable(&layout, table, static_cast<int>(used == 0 ? possible : std::min(used, possible)), 4);
+    }
+    return BitmapFromDib(layout, static_cast<const uint8_t*>(bits), 0, nullptr);
+}
+
+int WINAPI GetObjectA(HANDLE object, int size, LPVOID record)
+{
+    if (!IsObject(object, ObjectType::bitmap))
+        return 0;
+    if (!record)
+        return sizeof(BITMAP);
+    if (size < static_cast<int>(sizeof(BITMAP)))
+        return 0;
+    const PixelRows& rows = static_cast<HBITMAP>(object)->rows;
+    BITMAP bitmap = {};
+    bitmap.bmWidth = rows.width;
+    bitmap.bmHeight = rows.height;
+    bitmap.bmWidthBytes = static_cast<LONG>(std::abs(rows.stride));
+    bitmap.bmPlanes = 1;
+    bitmap.bmBitsPixel = static_cast<WORD>(rows.bits);
+    memcpy(record, &bitmap, sizeof bitmap);
+    return sizeof(BITMAP);
+}

@@ -1,0 +1,58 @@
+// The file dialog, the document opener and the bell.
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QProcess>
+#include <QStandardPaths>
+
+#include <cstring>
+
+#include "platform/host/qt/qt_internal.h"
+#include "platform/host/qt/qt_server.h"
+
+namespace qthost {
+
+int ChooseFile(const HostFileRequest* request, char* path, int size)
+{
+    ReleaseHeldKeys();
+    QWidget* owner = request->owner ? FromHandle(request->owner)->top : nullptr;
+    QString filter = QString::fromLatin1(request->filterText ? request->filterText : "");
+    const QString pattern = QString::fromLatin1(request->filterPattern ? request->filterPattern : "*");
+    if (!filter.contains(QLatin1Char('(') + pattern + QLatin1Char(')')))
+        filter += QStringLiteral(" (%1)").arg(pattern);
+
+    QFileDialog dialog(owner, QString::fromLatin1(request->title ? request->title : ""),
+                       QFile::decodeName(request->folder ? request->folder : ""));
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.setNameFilter(filter);
+    const bool accepted = dialog.exec() == QDialog::Accepted;
+    dialog.hide();
+    if (owner)
+        owner->activateWindow(); // where no window manager hands the focus back
+    const QStringList files = dialog.selectedFiles();
+    if (!accepted || files.isEmpty())
+        return 0;
+    const QByteArray name = QFile::encodeName(QDir::cleanPath(files.front()));
+    if (name.size() >= size)
+        return 0;
+    std::memcpy(path, name.constData(), static_cast<size_t>(name.size()) + 1);
+    return 1;
+}
+
+void Beep()
+{
+    QApplication::beep();
+    FlushDisplay();
+}
+
+int OpenDocument(const char* path)
+{
+    const QString opener = QStandardPaths::findExecutable(QStringLiteral("xdg-open"));
+    if (opener.isEmpty())
+        return 1;
+    return QProcess::startDetached(opener, {QFile::decodeName(path)}) ? 0 : 1;
+}
+
+} // namespace qthost

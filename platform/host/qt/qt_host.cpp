@@ -1,0 +1,251 @@
+#include "platform/host/qt/qt_host.h"
+
+#include <QAbstractEventDispatcher>
+#include <QApplication>
+#include <QPalette>
+#include <QProxyStyle>
+#include <QScreen>
+#include <QTimer>
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <deque>
+#include <langinfo.h>
+
+#include "platform/host/qt/qt_internal.h"
+#include "platform/host/qt/qt_server.h"
+#include "platform/host/qt/sound_pulse.h"
+
+namespace qthost {
+
+std::vector<Window*> windows;
+
+namespace {
+
+std::deque<HostEvent> events;
+QApplication* application = nullptr;
+QTimer* waitTimer = nullptr;
+bool waiting = false;
+
+// Alt belongs to the map: it must neither open the menu bar when it is let go nor take the keyboard to it.
+class Style : public QProxyStyle {
+  public:
+    Style() : QProxyStyle(QStringLiteral("Fusion")) {}
+
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* answer) const override
+    {
+        if (hint == SH_MenuBar_AltKeyNavigation || hint == SH_ScrollBar_ContextMenu)
+            return 0;
+        return QProxyStyle::styleHint(hint, option, widget, answer);
+    }
+};
+
+// The desktop's own colours and fonts would make the program look different on every machine.
+void SetLook()
+{
+    QPalette palette(QColor(0xF0, 0xF0, 0xF0));
+    palette.setColor(QPalette::Base, Qt::white);
+    palette.setColor(QPalette::AlternateBase, QColor(0xF7, 0xF7, 0xF7));
+    palette.setColor(QPalette::Highlight, QColor(0x30, 0x60, 0xA0));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    for (QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(role, Qt::black);
+        palette.setColor(QPalette::Disabled, role, QColor(0x90, 0x90, 0x90));
+    }
+    QApplication::setPalette(palette);
+    QFont font(QStringLiteral("Liberation Sans"));
+    font.setPixelSize(13);
+    QApplication::setFont(font);
+}
+
+void KeepQtQuiet(QtMsgType type, const QMessageLogContext&, const QString& text)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        std::fprintf(stderr, "kestrel-map-tool: %s\n", qPrintable(text));
+}
+
+// Qt complains about, and file names suffer from, a locale whose character set is not UTF-8.
+void UseUtf8Locale()
+{
+    if (std::setlocale(LC_ALL, "") == nullptr || std::string_view(nl_langinfo(CODESET)) != "UTF-8")
+        setenv("LC_ALL", "C.UTF-8", 1);
+}
+
+void StateChanged(Qt::ApplicationState state)
+{
+    if (state != Qt::ApplicationActive && state != Qt::ApplicationInactive)
+        return;
+    if (state == Qt::ApplicationInactive)
+        ReleaseHeldKeys();
+    HostEvent event = EventOfNow(hostActivate, windows.empty() ? nullptr : windows.front());
+    event.code = state == Qt::ApplicationActive;
+    QueueEvent(event);
+}
+
+int Start()
+{
+    static char name[] = "kestrel-map-tool";
+    static char* arguments[] = {name, nullptr};
+    static int argumentCount = 1;
+
+    if (qgetenv("QT_QPA_PLATFORM") != "offscreen") {
+        qputenv("QT_QPA_PLATFORM", "xcb");
+        if (OpenServer() != 0) {
+            const char* display = std::getenv("DISPLAY");
+            std::fprintf(stderr, "kestrel-map-tool: cannot open the display \"%s\"\n", display ? display : "");
+            return 1;
+        }
+    }
+    UseUtf8Locale();
+    qInstallMessageHandler(KeepQtQuiet);
+    QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
+    QCoreApplication::setApplicationName(QString::fromLatin1(name));
+    QApplication::setDesktopSettingsAware(false);
+    QApplication::setStyle(new Style);
+    application = new QApplication(argumentCount, arguments);
+    std::setlocale(LC_NUMERIC, "C"); // the program's own number formats
+    SetLook();
+    QApplication::setQuitOnLastWindowClosed(false);
+    QObject::connect(application, &QGuiApplication::applicationStateChanged, StateChanged);
+    waitTimer = new QTimer(application);
+    waitTimer->setSingleShot(true);
+    waitTimer->setTimerType(Qt::PreciseTimer);
+    return 0;
+}
+
+void Stop()
+{
+    if (!application)
+        return;
+    application->disconnect();
+    DestroyOutline();
+    while (!windows.empty())
+        DestroyWindow(ToHandle(windows.back()));
+    ForgetCursor();
+    events.clear();
+    waitTimer = nullptr; // the application owns it
+    delete application;
+    application = nullptr;
+    CloseServer();
+    qInstallMessageHandler(nullptr);
+}
+
+void ScreenSize(int* width, int* height)
+{
+    const QSize size = QGuiApplication::primaryScreen()->geometry().size();
+    *width = size.width();
+    *height = size.height();
+}
+
+int NextEvent(HostEvent* event)
+{
+    if (events.empty())
+        return 0;
+    *event = events.front();
+    events.pop_front();
+    return 1;
+}
+
+} // namespace
+
+HostEvent EventOfNow(int kind, const Window* window)
+{
+    HostEvent event = {};
+    event.kind = kind;
+    event.token = window ? window->token : nullptr;
+    const Devices devices = QueryDevices();
+    event.screenX = devices.pointer.x();
+    event.screenY = devices.pointer.y();
+    event.buttons = devices.buttons;
+    event.modifiers = devices.modifiers;
+    event.time = Ticks();
+    return event;
+}
+
+// The dispatcher handles what has arrived first and then sleeps: without the wake-up an event that comes just before
+// the sleep would be seen only at its end.
+void QueueEvent(const HostEvent& event)
+{
+    events.push_back(event);
+    if (waiting)
+        QAbstractEventDispatcher::instance()->wakeUp();
+}
+
+void QueueGeometry(Window* window)
+{
+    if (window->placing)
+        return;
+    if (!events.empty() && events.back().kind == hostGeometry && events.back().token == window->token)
+        return;
+    QueueEvent(EventOfNow(hostGeometry, window));
+}
+
+void ForgetEvents(const Window* window, const HostScrollBar* bar)
+{
+    std::erase_if(events, [&](const HostEvent& event) {
+        return (window && event.token == window->token) || (bar && event.bar == bar);
+    });
+}
+
+void Pump(int waitMilliseconds)
+{
+    QCoreApplication::processEvents(QEventLoop::AllEvents);
+    if (waitMilliseconds <= 0 || !events.empty())
+        return;
+    waiting = true;
+    waitTimer->start(waitMilliseconds);
+    while (events.empty() && waitTimer->isActive())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    waitTimer->stop();
+    waiting = false;
+}
+
+uint32_t Ticks()
+{
+    timespec now = {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<uint32_t>(static_cast<uint64_t>(now.tv_sec) * 1000 +
+                                 static_cast<uint64_t>(now.tv_nsec) / 1000000);
+}
+
+} // namespace qthost
+
+const Host qtHost = {
+    .start = qthost::Start,
+    .stop = qthost::Stop,
+    .screenSize = qthost::ScreenSize,
+    .pump = qthost::Pump,
+    .nextEvent = qthost::NextEvent,
+    .createWindow = qthost::CreateWindow,
+    .destroyWindow = qthost::DestroyWindow,
+    .placeWindow = qthost::PlaceWindow,
+    .showWindow = qthost::ShowWindow,
+    .raiseWindow = qthost::RaiseWindow,
+    .windowGeometry = qthost::WindowGeometry,
+    .limitSize = qthost::LimitSize,
+    .setTitle = qthost::SetTitle,
+    .setIcons = qthost::SetIcons,
+    .setPicture = qthost::SetPicture,
+    .present = qthost::Present,
+    .buildMenu = qthost::BuildMenu,
+    .setMenuItem = qthost::SetMenuItem,
+    .createScrollBar = qthost::CreateScrollBar,
+    .destroyScrollBar = qthost::DestroyScrollBar,
+    .setScrollBar = qthost::SetScrollBar,
+    .pointer = qthost::Pointer,
+    .buttons = qthost::Buttons,
+    .modifiers = qthost::Modifiers,
+    .warpPointer = qthost::WarpPointer,
+    .capturePointer = qthost::CapturePointer,
+    .setCursor = qthost::SetCursor,
+    .showOutline = qthost::ShowOutline,
+    .chooseFile = qthost::ChooseFile,
+    .playSound = PlayWave,
+    .beep = qthost::Beep,
+    .openDocument = qthost::OpenDocument,
+    .ticks = qthost::Ticks,
+};

@@ -1,0 +1,85 @@
+#include <QAction>
+
+#include "platform/host/qt/qt_internal.h"
+
+namespace qthost {
+namespace {
+
+QMenu* AddTitle(Window* window, const char* text)
+{
+    QMenu* menu = window->menuBar->addMenu(QString::fromLatin1(text));
+    // The click that closes a menu does nothing else.
+    menu->setAttribute(Qt::WA_NoMouseReplay);
+    // Keys held at this moment are let go over the menu.
+    QObject::connect(menu, &QMenu::aboutToShow, ReleaseHeldKeys);
+    window->menus.push_back(menu);
+    window->menuItems.emplace_back();
+    return menu;
+}
+
+void AddItem(Window* window, const HostMenuItem& item)
+{
+    QMenu* menu = window->menus.back();
+    if (item.text[0] == '\0') {
+        window->menuItems.back().push_back(menu->addSeparator());
+        return;
+    }
+    // The text behind the tab is shown in the key column; no shortcut is registered, keys are the program's.
+    QAction* action = menu->addAction(QString::fromLatin1(item.text));
+    window->menuItems.back().push_back(action);
+    const int command = item.command;
+    QObject::connect(action, &QAction::triggered, [window, action, command] {
+        // Qt has just turned the mark over; it stays as the program set it.
+        if (action->isCheckable())
+            action->setChecked(action->data().toBool());
+        HostEvent event = EventOfNow(hostMenuChoice, window);
+        event.code = command;
+        QueueEvent(event);
+    });
+}
+
+} // namespace
+
+void BuildMenu(HostWindow* handle, const HostMenuItem* items, int count)
+{
+    Window* window = FromHandle(handle);
+    if (window->kind != hostFramedWindow || window->menuBar)
+        return;
+    const QSize client = window->client->size();
+    window->menuBar = new QMenuBar(window->top);
+    window->menuBar->setNativeMenuBar(false);
+    window->menuBar->setContextMenuPolicy(Qt::PreventContextMenu);
+    window->menuBar->setFocusPolicy(Qt::NoFocus);
+    for (int i = 0; i < count; i++) {
+        if (items[i].item < 0)
+            AddTitle(window, items[i].text);
+        else if (!window->menus.empty())
+            AddItem(window, items[i]);
+    }
+    window->menuHeight = window->menuBar->sizeHint().height();
+    SizeClient(window, client.width(), client.height());
+    window->menuBar->setGeometry(0, 0, client.width(), window->menuHeight);
+    window->menuBar->setVisible(true);
+}
+
+void SetMenuItem(HostWindow* handle, int menu, int item, int enabled, int checked)
+{
+    Window* window = FromHandle(handle);
+    if (menu < 0 || static_cast<size_t>(menu) >= window->menus.size())
+        return;
+    if (item < 0) {
+        window->menus[static_cast<size_t>(menu)]->menuAction()->setEnabled(enabled != 0);
+        return;
+    }
+    const std::vector<QAction*>& actions = window->menuItems[static_cast<size_t>(menu)];
+    if (static_cast<size_t>(item) >= actions.size())
+        return;
+    QAction* action = actions[static_cast<size_t>(item)];
+    action->setEnabled(enabled != 0);
+    if (checked)
+        action->setCheckable(true);
+    action->setData(checked != 0);
+    action->setChecked(checked != 0);
+}
+
+} // namespace qthost

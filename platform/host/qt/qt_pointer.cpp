@@ -1,0 +1,203 @@
+// The devices asked directly: Qt's own idea of them is as old as the last event that it handled.
+#include <QApplication>
+#include <QCursor>
+#include <QPixmap>
+#include <QScreen>
+
+#include <cmath>
+
+#include "platform/host/qt/qt_internal.h"
+#include "platform/host/qt/qt_server.h"
+
+namespace qthost {
+namespace {
+
+struct MaskRow {
+    unsigned server;
+    unsigned host;
+};
+
+// The masks of the X protocol's pointer query.
+constexpr MaskRow buttonMasks[] = {
+    {1 << 8, hostLeftButton},
+    {1 << 10, hostRightButton},
+};
+
+constexpr MaskRow modifierMasks[] = {
+    {1 << 0, hostShift},
+    {1 << 2, hostControl},
+    {1 << 3, hostAlt}, // Alt
+    {1 << 6, hostAlt}, // Super
+};
+
+Window* captured = nullptr;
+
+struct CursorState {
+    int kind = -1;
+    int hotX = 0;
+    int hotY = 0;
+    QImage image;
+    QCursor cursor;
+};
+
+CursorState* cursorState = nullptr;
+
+// Qt keeps each screen's corner where the server has it and scales the rest.
+QPoint ToServer(int x, int y)
+{
+    const QScreen* screen = QGuiApplication::screenAt(QPoint(x, y));
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    const QPoint corner = screen->geometry().topLeft();
+    const double scale = screen->devicePixelRatio();
+    return QPoint(corner.x() + static_cast<int>(std::floor((x - corner.x()) * scale)),
+                  corner.y() + static_cast<int>(std::floor((y - corner.y()) * scale)));
+}
+
+template <size_t count>
+unsigned Translate(const MaskRow (&rows)[count], unsigned serverMask)
+{
+    unsigned result = 0;
+    for (const MaskRow& row : rows) {
+        if (serverMask & row.server)
+            result |= row.host;
+    }
+    return result;
+}
+
+// Qt hands the pixels of a cursor to the server as they are, so they are enlarged here.
+QCursor ImageCursor(const QImage& image, int hotX, int hotY)
+{
+    const double scale = QGuiApplication::primaryScreen()->devicePixelRatio();
+    const QImage scaled = scale == 1.0 ? image
+                                       : image.scaled(static_cast<int>(std::lround(image.width() * scale)),
+                                                      static_cast<int>(std::lround(image.height() * scale)),
+                                                      Qt::IgnoreAspectRatio, Qt::FastTransformation);
+    return QCursor(QPixmap::fromImage(scaled), static_cast<int>(hotX * scale), static_cast<int>(hotY * scale));
+}
+
+} // namespace
+
+QPoint ToLogical(int x, int y)
+{
+    const QScreen* holder = QGuiApplication::primaryScreen();
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QRect area = screen->geometry();
+        const double scale = screen->devicePixelRatio();
+        if (x >= area.x() && y >= area.y() && x < area.x() + area.width() * scale &&
+            y < area.y() + area.height() * scale)
+            holder = screen;
+    }
+    const QPoint corner = holder->geometry().topLeft();
+    const double scale = holder->devicePixelRatio();
+    return QPoint(corner.x() + static_cast<int>(std::floor((x - corner.x()) / scale)),
+                  corner.y() + static_cast<int>(std::floor((y - corner.y()) / scale)));
+}
+
+unsigned HostButtonsOf(Qt::MouseButtons buttons)
+{
+    unsigned result = 0;
+    if (buttons & Qt::LeftButton)
+        result |= hostLeftButton;
+    if (buttons & Qt::RightButton)
+        result |= hostRightButton;
+    return result;
+}
+
+Devices QueryDevices()
+{
+    Devices devices = {};
+    ServerPointer server = {};
+    if (QueryServerPointer(&server)) {
+        devices.pointer = ToLogical(server.x, server.y);
+        devices.buttons = Translate(buttonMasks, server.mask);
+        devices.modifiers = Translate(modifierMasks, server.mask);
+        return devices;
+    }
+    devices.pointer = QCursor::pos();
+    devices.buttons = HostButtonsOf(QGuiApplication::mouseButtons());
+    devices.modifiers = HostModifiersOf(QGuiApplication::keyboardModifiers());
+    return devices;
+}
+
+void Pointer(int* x, int* y)
+{
+    const Devices devices = QueryDevices();
+    *x = devices.pointer.x();
+    *y = devices.pointer.y();
+}
+
+unsigned Buttons()
+{
+    return QueryDevices().buttons;
+}
+
+unsigned Modifiers()
+{
+    return QueryDevices().modifiers;
+}
+
+void WarpPointer(int x, int y)
+{
+    const QPoint place = ToServer(x, y);
+    if (!WarpServerPointer(place.x(), place.y()))
+        QCursor::setPos(x, y);
+}
+
+void CapturePointer(HostWindow* handle)
+{
+    if (captured)
+        captured->client->releaseMouse();
+    captured = handle ? FromHandle(handle) : nullptr;
+    if (captured && !captured->client->isVisible())
+        captured = nullptr;
+    if (captured)
+        captured->client->grabMouse();
+    FlushDisplay();
+}
+
+void ReleaseCaptureOf(const Window* window)
+{
+    if (captured == window)
+        CapturePointer(nullptr);
+}
+
+void SetCursor(int kind, const HostImage* image, int hotX, int hotY)
+{
+    QImage pixels;
+    if (kind == hostCursorImage)
+        pixels = QImage(reinterpret_cast<const uchar*>(image->pixels), image->width, image->height, image->width * 4,
+                        QImage::Format_ARGB32);
+    if (!cursorState)
+        cursorState = new CursorState;
+    // The program sets its cursor at every move of the pointer.
+    if (kind == cursorState->kind && hotX == cursorState->hotX && hotY == cursorState->hotY &&
+        pixels == cursorState->image)
+        return;
+    cursorState->kind = kind;
+    cursorState->hotX = hotX;
+    cursorState->hotY = hotY;
+    cursorState->image = pixels.copy();
+    if (kind == hostCursorImage)
+        cursorState->cursor = ImageCursor(cursorState->image, hotX, hotY);
+    else
+        cursorState->cursor = QCursor(kind == hostCursorWait ? Qt::WaitCursor : Qt::ArrowCursor);
+    for (Window* window : windows)
+        ApplyCursor(window);
+    FlushDisplay();
+}
+
+void ApplyCursor(Window* window)
+{
+    if (cursorState)
+        window->client->setCursor(cursorState->cursor);
+}
+
+void ForgetCursor()
+{
+    delete cursorState;
+    cursorState = nullptr;
+    captured = nullptr;
+}
+
+} // namespace qthost

@@ -1,0 +1,166 @@
+#include "platform/host/qt/qt_server.h"
+
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QThread>
+#include <QtGui/qguiapplication_platform.h>
+
+#include <cstdlib>
+#include <memory>
+#include <vector>
+
+#include <xcb/xcb.h>
+
+namespace qthost {
+namespace {
+
+constexpr int withdrawDeadline = 200;
+constexpr int patternSize = 8;
+
+xcb_connection_t* server = nullptr;
+xcb_window_t rootWindow = 0;
+
+struct FreeReply {
+    void operator()(void* reply) const
+    {
+        std::free(reply);
+    }
+};
+
+template <typename Reply>
+using ReplyOf = std::unique_ptr<Reply, FreeReply>;
+
+xcb_connection_t* QtConnection()
+{
+    const auto* x11 = qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+    return x11 ? x11->connection() : nullptr;
+}
+
+xcb_window_t IdOf(const QWindow* window)
+{
+    return static_cast<xcb_window_t>(window->winId());
+}
+
+} // namespace
+
+int OpenServer()
+{
+    int screenNumber = 0;
+    server = xcb_connect(nullptr, &screenNumber);
+    if (xcb_connection_has_error(server)) {
+        CloseServer();
+        return 1;
+    }
+    xcb_screen_iterator_t screen = xcb_setup_roots_iterator(xcb_get_setup(server));
+    for (int i = 0; i < screenNumber && screen.rem > 1; i++)
+        xcb_screen_next(&screen);
+    rootWindow = screen.data->root;
+    return 0;
+}
+
+void CloseServer()
+{
+    if (server)
+        xcb_disconnect(server);
+    server = nullptr;
+}
+
+bool QueryServerPointer(ServerPointer* pointer)
+{
+    if (!server)
+        return false;
+    const ReplyOf<xcb_query_pointer_reply_t> reply(
+        xcb_query_pointer_reply(server, xcb_query_pointer(server, rootWindow), nullptr));
+    if (!reply)
+        return false;
+    *pointer = {reply->root_x, reply->root_y, reply->mask};
+    return true;
+}
+
+bool KeyIsDown(unsigned scanCode)
+{
+    if (!server)
+        return false;
+    const ReplyOf<xcb_query_keymap_reply_t> reply(xcb_query_keymap_reply(server, xcb_query_keymap(server), nullptr));
+    return reply && (reply->keys[scanCode / 8 % 32] >> scanCode % 8 & 1);
+}
+
+bool WarpServerPointer(int x, int y)
+{
+    if (!server)
+        return false;
+    xcb_warp_pointer(server, XCB_NONE, rootWindow, 0, 0, 0, 0, static_cast<int16_t>(x), static_cast<int16_t>(y));
+    xcb_flush(server);
+    return true;
+}
+
+bool QueryServerPlace(const QWindow* window, int* x, int* y)
+{
+    if (!server)
+        return false;
+    const ReplyOf<xcb_translate_coordinates_reply_t> reply(xcb_translate_coordinates_reply(
+        server, xcb_translate_coordinates(server, IdOf(window), rootWindow, 0, 0), nullptr));
+    if (!reply)
+        return false;
+    *x = reply->dst_x;
+    *y = reply->dst_y;
+    return true;
+}
+
+void FlushDisplay()
+{
+    if (xcb_connection_t* connection = QtConnection())
+        xcb_flush(connection);
+}
+
+void WaitUntilWithdrawn(const QWindow* window)
+{
+    FlushDisplay();
+    if (!server || !window)
+        return;
+    QElapsedTimer timer;
+    timer.start();
+    while (timer.elapsed() < withdrawDeadline) {
+        const ReplyOf<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(server, xcb_query_tree(server, IdOf(window)), nullptr));
+        if (!tree || tree->parent == tree->root)
+            break;
+        QThread::msleep(1);
+    }
+    QCoreApplication::processEvents(QEventLoop::AllEvents);
+}
+
+void SetDashedGround(WId window)
+{
+    xcb_connection_t* connection = QtConnection();
+    if (!connection)
+        return;
+    const xcb_window_t id = static_cast<xcb_window_t>(window);
+    const ReplyOf<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(connection, xcb_get_geometry(connection, id), nullptr));
+    if (!geometry)
+        return;
+    const uint32_t black = 0xFF000000;
+    const uint32_t white = 0xFFFFFFFF;
+    const xcb_pixmap_t pattern = xcb_generate_id(connection);
+    const xcb_gcontext_t context = xcb_generate_id(connection);
+    xcb_create_pixmap(connection, geometry->depth, pattern, id, patternSize, patternSize);
+    xcb_create_gc(connection, context, pattern, XCB_GC_FOREGROUND, &black);
+    const xcb_rectangle_t all = {0, 0, patternSize, patternSize};
+    xcb_poly_fill_rectangle(connection, pattern, context, 1, &all);
+    xcb_change_gc(connection, context, XCB_GC_FOREGROUND, &white);
+    std::vector<xcb_point_t> points;
+    for (int y = 0; y < patternSize; y++) {
+        for (int x = 0; x < patternSize; x++) {
+            if ((x + y) % patternSize < patternSize / 2)
+                points.push_back({static_cast<int16_t>(x), static_cast<int16_t>(y)});
+        }
+    }
+    xcb_poly_point(connection, XCB_COORD_MODE_ORIGIN, pattern, context, static_cast<uint32_t>(points.size()),
+                   points.data());
+    xcb_change_window_attributes(connection, id, XCB_CW_BACK_PIXMAP, &pattern);
+    xcb_free_gc(connection, context);
+    xcb_free_pixmap(connection, pattern); // the window keeps its contents
+}
+
+} // namespace qthost

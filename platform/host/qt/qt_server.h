@@ -1,0 +1,35 @@
+// Asked of the X server directly, over a connection of our own: on Qt's each answer takes five times as long, because
+// Qt's reader thread waits there too. Without an X server (Qt's offscreen platform) the questions have no answer and
+// the rest does nothing.
+#pragma once
+
+#include <QWindow>
+
+namespace qthost {
+
+struct ServerPointer {
+    int x; // the server's pixels, not scaled
+    int y;
+    unsigned mask; // buttons and modifiers as the X protocol has them
+};
+
+// 0 when the X server answers; otherwise the application object must not be made, since Qt would end the program.
+int OpenServer();
+void CloseServer();
+bool QueryServerPointer(ServerPointer* pointer);
+// Whether the key with this X11 code is down now.
+bool KeyIsDown(unsigned scanCode);
+// False where there is no X server. The query after it sees the pointer there.
+bool WarpServerPointer(int x, int y);
+// Where the window's top-left pixel is on the screen, in the server's pixels.
+bool QueryServerPlace(const QWindow* window, int* x, int* y);
+// Sends on what Qt has drawn and asked for.
+void FlushDisplay();
+// Window managers take their frame off a hidden window some time later, and what happens to the window's place
+// meanwhile is lost. Waits until it is off, but not for long.
+void WaitUntilWithdrawn(const QWindow* window);
+// Gives a window diagonal dashes of black and white, which show on every ground, as what the server itself fills it
+// with.
+void SetDashedGround(WId window);
+
+} // namespace qthost

@@ -1,0 +1,144 @@
+#include "platform/kernel/paths.h"
+
+#include "platform/api/kernel.h"
+#include "platform/kernel/system_calls.h"
+
+#include <climits>
+#include <cstring>
+#include <dirent.h>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+// The lower-case form of the byte at text; previous is the byte before it. The capitals of Latin-1 are 0xC3 0x80 to
+// 0x9E in UTF-8, their small letters 0x20 further; 0x97 is the multiplication sign.
+unsigned char FoldedByte(unsigned char previous, unsigned char byte)
+{
+    if (byte >= 'A' && byte <= 'Z')
+        return static_cast<unsigned char>(byte + 0x20);
+    if (previous == 0xC3 && byte >= 0x80 && byte <= 0x9E && byte != 0x97)
+        return static_cast<unsigned char>(byte + 0x20);
+    return byte;
+}
+
+} // namespace
+
+bool SameFileName(const char* first, const char* second)
+{
+    unsigned char previous = 0;
+    for (size_t i = 0;; i++) {
+        unsigned char a = static_cast<unsigned char>(first[i]);
+        unsigned char b = static_cast<unsigned char>(second[i]);
+        if (FoldedByte(previous, a) != FoldedByte(previous, b))
+            return false;
+        if (a == 0)
+            return true;
+        previous = a;
+    }
+}
+
+bool ResolvePath(const char* path, char* resolved, size_t size)
+{
+    size_t length = path ? strnlen(path, MAX_PATH) : 0;
+    if (length == 0) {
+        SetLastError(ERROR_PATH_NOT_FOUND);
+        return false;
+    }
+    if (length >= MAX_PATH || length >= size) {
+        SetLastError(ERROR_FILENAME_EXCED_RANGE);
+        return false;
+    }
+    memcpy(resolved, path, length + 1);
+
+    struct stat status;
+    if (systemCalls.stat(path, &status) == 0)
+        return true;
+    const char* slash = strrchr(path, '/');
+    const char* name = slash ? slash + 1 : path;
+    if (name[0] == 0)
+        return true;
+    std::string folder = slash ? std::string(path, static_cast<size_t>(name - path)) : std::string("./");
+    DIR* entries = opendir(folder.c_str());
+    if (!entries)
+        return true;
+    // Folding never changes a name's length, so the entry fits where the name was.
+    char* resolvedName = resolved + (name - path);
+    bool found = false;
+    while (const dirent* entry = readdir(entries)) {
+        if (SameFileName(entry->d_name, name) && (!found || strcmp(entry->d_name, resolvedName) < 0)) {
+            strcpy(resolvedName, entry->d_name);
+            found = true;
+        }
+    }
+    closedir(entries);
+    return true;
+}
+
+void _splitpath(const char* path, char* drive, char* folder, char* name, char* extension)
+{
+    auto Store = [](char* buffer, size_t size, const char* from, const char* to) {
+        if (!buffer)
+            return;
+        size_t length = static_cast<size_t>(to - from);
+        if (length >= size)
+            length = 0;
+        memcpy(buffer, from, length);
+        buffer[length] = 0;
+    };
+    const char* text = path ? path : "";
+    const char* end = text + strlen(text);
+    const char* slash = strrchr(text, '/');
+    const char* nameStart = slash ? slash + 1 : text;
+    const char* dot = strrchr(nameStart, '.');
+    const char* nameEnd = dot ? dot : end;
+    Store(drive, _MAX_DRIVE, text, text);
+    Store(folder, _MAX_DIR, text, nameStart);
+    Store(name, _MAX_FNAME, nameStart, nameEnd);
+    Store(extension, _MAX_EXT, nameEnd, end);
+}
+
+DWORD WINAPI GetCurrentDirectoryA(DWORD size, LPSTR buffer)
+{
+    char folder[PATH_MAX];
+    if (!getcwd(folder, sizeof folder)) {
+        SetLastError(ERROR_PATH_NOT_FOUND);
+        return 0;
+    }
+    size_t length = strlen(folder);
+    if (!buffer || length >= size)
+        return static_cast<DWORD>(length + 1);
+    memcpy(buffer, folder, length + 1);
+    return static_cast<DWORD>(length);
+}
+
+BOOL WINAPI SetCurrentDirectoryA(LPCSTR path)
+{
+    char resolved[MAX_PATH];
+    if (!ResolvePath(path, resolved, sizeof resolved))
+        return FALSE;
+    if (chdir(resolved) != 0) {
+        SetErrorForPath(resolved, ERROR_GEN_FAILURE);
+        return FALSE;
+    }
+    return TRUE;
+}
+
+DWORD WINAPI GetModuleFileNameA(HMODULE module, LPSTR buffer, DWORD size)
+{
+    if (!buffer || size == 0 || (module && module != GetModuleHandleA(nullptr))) {
+        SetLastError(ERROR_INVALID_HANDLE);
+        return 0;
+    }
+    char path[PATH_MAX];
+    ssize_t length = readlink("/proc/self/exe", path, sizeof path);
+    if (length < 0 || length >= static_cast<ssize_t>(sizeof path)) {
+        SetLastError(ERROR_GEN_FAILURE);
+        return 0;
+    }
+    // A name that does not fit is cut, and the buffer's size returned, as Windows does.
+    size_t kept = static_cast<size_t>(length) < size ? static_cast<size_t>(length) : size - 1;
+    memcpy(buffer, path, kept);
+    buffer[kept] = 0;
+    return kept < static_cast<size_t>(length) ? size : static_cast<DWORD>(kept);
+}

@@ -1,0 +1,107 @@
+#include "platform/kernel/system_calls.h"
+
+#include "platform/api/kernel.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+int OpenFile(const char* path, int flags, mode_t mode)
+{
+    return open(path, flags, mode);
+}
+
+int StatFile(const char* path, struct stat* status)
+{
+    return stat(path, status);
+}
+
+int RenameNoReplace(const char* from, const char* to)
+{
+    return renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE);
+}
+
+constexpr SystemCalls realSystemCalls = {OpenFile, close,  read, write,  lseek,          fsync,
+                                         StatFile, unlink, link, rename, RenameNoReplace};
+
+DWORD lastError = ERROR_SUCCESS;
+
+} // namespace
+
+SystemCalls systemCalls = realSystemCalls;
+
+const SystemCalls& RealSystemCalls()
+{
+    return realSystemCalls;
+}
+
+unsigned ErrorFromErrno(int number, unsigned ioFault)
+{
+    switch (number) {
+    case 0:
+        return ERROR_SUCCESS;
+    case ENOENT:
+        return ERROR_FILE_NOT_FOUND;
+    case ENOTDIR:
+    case ELOOP:
+        return ERROR_PATH_NOT_FOUND;
+    case EMFILE:
+    case ENFILE:
+        return ERROR_TOO_MANY_OPEN_FILES;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+    case EISDIR:
+    case ENXIO:
+        return ERROR_ACCESS_DENIED;
+    case EBADF:
+        return ERROR_INVALID_HANDLE;
+    case ENOMEM:
+        return ERROR_NOT_ENOUGH_MEMORY;
+    case EBUSY:
+    case ETXTBSY:
+        return ERROR_SHARING_VIOLATION;
+    case EEXIST:
+    case ENOTEMPTY:
+        return ERROR_ALREADY_EXISTS;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+        return ERROR_DISK_FULL;
+    case ENAMETOOLONG:
+        return ERROR_FILENAME_EXCED_RANGE;
+    case EIO:
+        return ioFault;
+    default:
+        return ERROR_GEN_FAILURE;
+    }
+}
+
+void SetErrorForPath(const char* path, unsigned ioFault)
+{
+    int number = errno;
+    DWORD code = ErrorFromErrno(number, ioFault);
+    const char* slash = strrchr(path, '/');
+    if (number == ENOENT && slash && slash != path) {
+        struct stat status;
+        std::string folder(path, static_cast<size_t>(slash - path));
+        if (systemCalls.stat(folder.c_str(), &status) != 0)
+            code = ERROR_PATH_NOT_FOUND;
+    }
+    SetLastError(code);
+}
+
+DWORD WINAPI GetLastError()
+{
+    return lastError;
+}
+
+void WINAPI SetLastError(DWORD code)
+{
+    lastError = code;
+}

@@ -1,0 +1,199 @@
+"""A day's work: a new map from art, its terrain and costs, the views, saves under two numbers, and the map again."""
+
+import os
+import shutil
+
+from journey import EDIT_MENU, GREY_192, STRIP_HEIGHT, TITLE, VIEW_MENU, run
+from support import model
+from support.mapfiles import HI_LOW, ROAD, TOWN, WOODS, coded_art, new_map_data, write_bitmap
+from support.screen import wait_until
+
+WIDTH, HEIGHT = 855, 625
+FEATURE_BOXES = {HI_LOW: (19, 48), WOODS: (19, 64), TOWN: (19, 80), ROAD: (19, 96)}
+NO_GO_BOXES = {1: (19, 147), 2: (19, 163), 4: (19, 179)}
+COST_BOXES = {0: (19, 50), 1: (19, 66), 2: (19, 82), 3: (19, 98), 4: (19, 114), 6: (19, 130)}
+ANALYSIS_COSTS = {0: (221,) * 3, 1: (153,) * 3, 2: (102,) * 3, 3: (85,) * 3, 4: (0,) * 3, 6: (166, 202, 240)}
+
+
+def type_fields(journey, dialog, values):
+    """Types values into edit fields, given with the middles of the fields, and chooses OK."""
+    for (x, y), value in values:
+        journey.click_in(dialog, x, y)
+        journey.type(str(value))
+    journey.keys("Return")  # ends the editing
+    journey.answer(dialog)
+
+
+def new_map(journey, art):
+    journey.keys("ctrl+n")
+    journey.choose_file("Select a bmp file...", journey.path("Map180c.bmp"))
+    dialog = journey.wait_window(size=(460, 190))
+    journey.settle()
+    journey.picture("day_1_new_map")
+    type_fields(journey, dialog, [((25, 97), 123), ((25, 117), 98), ((25, 137), 42)])
+    journey.wait_window(title=TITLE + " - Map180c.dat")
+    place = journey.place_of_map(art)
+    journey.expect_view(place, art, "the new map shows its art")
+    return place, new_map_data(180, WIDTH, HEIGHT, 98, 42, 123)
+
+
+def paint_terrain(journey, place, data):
+    journey.keys("ctrl+t")
+    palette = journey.wait_window(size=(300, 255))
+    strokes = [
+        (FEATURE_BOXES[HI_LOW], model.feature_brush(HI_LOW), (405, 105), (605, 185)),
+        (FEATURE_BOXES[WOODS], model.feature_brush(WOODS), (415, 155), (595, 155)),
+        (FEATURE_BOXES[TOWN], model.feature_brush(TOWN), (505, 85), (505, 255)),
+        (FEATURE_BOXES[ROAD], model.feature_brush(ROAD), (405, 205), (705, 205)),
+        (NO_GO_BOXES[1], model.no_go_brush(1), (655, 105), (655, 305)),
+        (NO_GO_BOXES[2], model.no_go_brush(2), (605, 285), (805, 285)),
+        (NO_GO_BOXES[4], model.no_go_brush(4), (755, 255), (755, 325)),
+    ]
+    for box, brush, start, end in strokes:
+        journey.click_in(palette, *box)
+        points = [start] + model.line(start, end)
+        journey.drag_on_map(place, points)
+        model.paint_stroke(data, brush, points)
+    journey.settle()
+    journey.click_in(palette, *FEATURE_BOXES[WOODS])
+    fill(journey, place, data, palette, model.feature_brush(WOODS), (415, 345), (548, 471), (95, 20))
+    journey.picture("day_2_terrain")
+    journey.answer(palette, "Escape")
+
+
+def fill(journey, place, data, palette, brush, start, end, button, key="alt"):
+    """Selects an area with Alt and the pointer and chooses Fill."""
+    journey.drag_on_map(place, [start] + model.line(start, end, 20), key)
+    question = journey.wait_window(size=(190 if button[0] > 60 else 130, 40))
+
+    wanted = (10 * ((max(start[0], end[0]) + 1) // 10), 10 * ((max(start[1], end[1]) + 1) // 10))
+    bottom_right = place.on_screen(wanted)
+    journey.expect(
+        (question.left + question.width, question.top) == bottom_right,
+        "the fill question hangs at the selection's corner %s, not at %s"
+        % (bottom_right, (question.left + question.width, question.top)),
+    )
+    journey.expect_soon(lambda: not journey.find_window(size=palette.size()), "the palette hides under the question")
+    journey.click_in(question, *button)
+    journey.wait_gone(question)
+    journey.wait_window(size=palette.size())
+    model.fill_cells(data, brush, model.band_cells(start, end))
+
+
+def paint_costs(journey, place, data):
+    journey.keys("ctrl+m")
+    palette = journey.wait_window(size=(285, 210))
+    for code, (start, end) in {
+        1: ((355, 45), (555, 45)),
+        2: ((355, 65), (555, 65)),
+        3: ((355, 85), (455, 125)),
+        4: ((355, 105), (405, 145)),
+        6: ((705, 45), (805, 145)),
+    }.items():
+        journey.click_in(palette, *COST_BOXES[code])
+        points = [start] + model.line(start, end)
+        journey.drag_on_map(place, points)
+        model.paint_stroke(data, model.cost_brush(code), points)
+    journey.settle()
+    fill(journey, place, data, palette, model.cost_brush(6), (605, 405), (742, 513), (35, 20))
+    journey.click_in(palette, *COST_BOXES[3])
+    fill(journey, place, data, palette, model.cost_brush(3), (590, 470), (455, 345), (35, 20), key="super")
+    journey.click_in(palette, 200, 155)  # Set Woods & Towns to R2
+    journey.answer(journey.wait_window(size=(200, 100)))
+    model.set_woods_and_towns_to_rough2(data)
+    journey.settle()
+    journey.picture("day_3_costs")
+    journey.answer(palette, "Escape")
+
+
+def expect_pixels(journey, place, probes, what):
+    journey.xdotool("mousemove", place.left + 300, place.top + 580)
+    journey.settle()
+    shot = journey.shot()
+    for point, colour in probes:
+        found = shot.pixel(*place.on_screen(point))
+        journey.expect(found == colour, "%s: map pixel %s is %s, not %s" % (what, point, found, colour))
+
+
+def switch_views(journey, place, data, art):
+    journey.choose(place, VIEW_MENU, 1)  # Show UTM Grid
+    lines = [((10 + 100 * i, 33), (0, 0, 0)) for i in range(9)]
+    lines += [((33, HEIGHT - 10 - 100 * i), (0, 0, 0)) for i in range(6)]
+    beside = [(point, art.pixel(*point)) for point in ((9, 33), (11, 33), (109, 33), (33, HEIGHT - 9), (33, 514))]
+    expect_pixels(journey, place, lines + beside, "the UTM grid")
+    journey.choose(place, VIEW_MENU, 3)  # Terrain Analysis
+    journey.settle()
+    probes = []
+    for column, row in ((35, 4), (35, 6), (35, 8), (35, 10), (71, 5), (2, 2), (62, 42)):
+        word = data.cell(column, row)
+        probes.append(((10 * column + 1, 10 * row + 2), ANALYSIS_COSTS[word >> 11]))
+    probes += [((455, 355), (102, 204, 102)), ((455, 205), (255, 255, 255)), ((505, 235), (153, 0, 51))]
+    expect_pixels(journey, place, probes, "the terrain analysis")
+    journey.picture("day_4_views")
+    journey.keys("F8")
+    expect_pixels(journey, place, [((2, 2), art.pixel(2, 2)), ((455, 355), art.pixel(455, 355))], "F8 brings the art back")
+    journey.choose(place, VIEW_MENU, 1)
+    journey.expect_view(place, art, "the grid goes again")
+
+    journey.keys("F9")
+    strip = lambda: [
+        journey.shot().row(place.left, place.top + place.height - STRIP_HEIGHT + i, place.width - 18)
+        for i in range(STRIP_HEIGHT)
+    ]
+    plain = [bytes(GREY_192 + (0,)) * (place.width - 18)] * STRIP_HEIGHT
+    journey.xdotool("mousemove", *place.on_screen((455, 355)))
+    journey.expect_soon(lambda: strip() != plain, "the read-out shows the terrain under the pointer")
+    journey.settle()
+    journey.picture("day_5_readout")
+    over_woods = strip()
+    journey.xdotool("mousemove", *place.on_screen((755, 285)))
+    journey.expect_soon(lambda: strip() not in (plain, over_woods), "the read-out follows the pointer")
+    journey.keys("F9")
+    journey.expect_soon(lambda: strip() == plain, "F9 clears the read-out")
+
+
+def working_day(journey):
+    art = coded_art(WIDTH, HEIGHT)
+    write_bitmap(journey.path("Map180c.bmp"), art)
+    journey.start()
+    place, data = new_map(journey, art)
+    paint_terrain(journey, place, data)
+    paint_costs(journey, place, data)
+    journey.expect_view(place, art, "after the palettes the map shows its art")
+    switch_views(journey, place, data, art)
+
+    journey.save()
+    journey.expect_soon(lambda: os.path.exists(journey.path("Map180c.dat")), "the first save creates the file")
+    first = data.to_bytes()
+    journey.expect_soon(lambda: journey.read("Map180c.dat") == first, "the file holds the day's work")
+    journey.expect(not os.path.exists(journey.path("Map180c.dat_old")), "a first save makes no backup")
+
+    journey.choose(place, EDIT_MENU, 4)  # Map ID Number
+    type_fields(journey, journey.wait_window(size=(280, 70)), [((25, 17), 181)])
+    data.header["map_id"] = 181
+    journey.expect_soon(lambda: journey.map_window().title == "Map181c.dat", "the title tells the new number")
+    journey.choose(place, EDIT_MENU, 2)  # Map Version Number
+    type_fields(journey, journey.wait_window(size=(280, 70)), [((25, 17), 124)])
+    data.header["version"] = 124
+    journey.expect(journey.quit(saves=True) == 0, "Save at the end ends the program with status 0")
+    journey.expect(journey.read("Map181c.dat") == data.to_bytes(), "the map is saved under its new name")
+    journey.expect(journey.read("Map180c.dat") == first, "the file of the old name stays")
+
+    shutil.copy(journey.path("Map180c.bmp"), journey.path("Map181c.bmp"))
+    journey.start()
+    journey.open_map("Map181c.dat")
+    place = journey.place_of_map(art)
+    journey.keys("F8")
+    expect_pixels(journey, place, [((455, 355), (102, 204, 102)), ((21, 22), (221,) * 3)], "the map opened again")
+    journey.keys("F8")
+    journey.expect_view(place, art, "the analysis goes again")
+    journey.save()
+    journey.expect_soon(
+        lambda: os.path.exists(journey.path("Map181c.dat_old")), "a save under the same number makes a backup"
+    )
+    journey.settle()
+    journey.expect(journey.read("Map181c.dat") == data.to_bytes(), "reading and saving changes nothing")
+    journey.expect(journey.quit() == 0, "the program ends with status 0")
+
+
+run(working_day)

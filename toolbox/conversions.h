@@ -1,0 +1,44 @@
+// The Toolbox's rectangles and points in the platform's form and back, for use inside toolbox/ only.
+#pragma once
+
+#include "toolbox/types.h"
+
+inline RECT PlatformRect(const Rect* rect)
+{
+    return {rect->left, rect->top, rect->right, rect->bottom};
+}
+
+inline POINT PlatformPoint(Point point)
+{
+    return {point.h, point.v};
+}
+
+inline Point PointFrom(const POINT& point)
+{
+    return {static_cast<int16_t>(point.y), static_cast<int16_t>(point.x)};
+}
+
+inline Rect RectFrom(const RECT& rect)
+{
+    return {static_cast<int16_t>(rect.top), static_cast<int16_t>(rect.left), static_cast<int16_t>(rect.bottom),
+            static_cast<int16_t>(rect.right)};
+}
+
+// The position that a mouse message carries: two signed 16-bit halves, in client coordinates of its window.
+inline POINT MessagePoint(LPARAM lParam)
+{
+    const auto word = static_cast<ULONG_PTR>(lParam);
+    return {static_cast<int16_t>(LOWORD(word)), static_cast<int16_t>(HIWORD(word))};
+}
+
+// The window's client area in the logical coordinates of its device context; in client coordinates without one.
+inline RECT LogicalClientRect(HWND window, HDC dc)
+{
+    RECT client = {};
+    GetClientRect(window, &client);
+    POINT corners[2] = {{client.left, client.top}, {client.right, client.bottom}};
+    if (dc != nullptr) {
+        DPtoLP(dc, corners, 2);
+    }
+    return {corners[0].x, corners[0].y, corners[1].x, corners[1].y};
+}
