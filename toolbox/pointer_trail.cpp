@@ -153,12 +153,26 @@ void BeginPointerTrail(const EventRecord* press)
     trail.following = message.message == WM_LBUTTONDOWN;
 }
 
-// Collects what is new; the order of the steps is what keeps positions of before and after the release apart. History
-// read before the queue is looked at and found without a release is older than the release.
+// Begins or continues the wait for a release that the device shows and the queue does not; gives up after a while.
+static void AwaitRelease()
+{
+    const uint32_t now = GetTickCount();
+    if (!trail.graceBegun) {
+        trail.graceBegun = true;
+        trail.upSince = now;
+    } else if (now - trail.upSince > releaseGraceMilliseconds) {
+        trail.following = false; // somebody else took the release
+    }
+}
+
+// Collects what is new. The order of the steps is what keeps the positions in order and those of after the release
+// out: the history is read when it holds what led to the pointer's position, and before the queue is found without a
+// release.
 static void CollectPositions()
 {
     POINT pointer = {};
     GetCursorPos(&pointer);
+    const bool held = StillDown() != 0;
     const History history = ReadHistory();
     MSG message = {};
     if (PeekMessageA(&message, nullptr, WM_LBUTTONUP, WM_LBUTTONUP, PM_NOREMOVE)) {
@@ -169,14 +183,8 @@ static void CollectPositions()
         trail.following = false;
         return;
     }
-    if (GetAsyncKeyState(VK_LBUTTON) >= 0) {
-        const uint32_t now = GetTickCount();
-        if (!trail.graceBegun) {
-            trail.graceBegun = true;
-            trail.upSince = now;
-        } else if (now - trail.upSince > releaseGraceMilliseconds) {
-            trail.following = false; // the release was taken by somebody else
-        }
+    if (!held) {
+        AwaitRelease();
         return;
     }
     trail.graceBegun = false;

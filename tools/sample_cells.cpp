@@ -105,7 +105,7 @@ Grid<uint16_t> DeriveCells(const SampleMap& map)
             float water = Share(map.water, column, row);
             bool road = Share(map.road, column, row) > 0.1f;
             bool woods = Share(map.woods, column, row) > 0.5f;
-            bool town = Share(map.town, column, row) > 0.13f;
+            bool town = Share(map.town, column, row) > 0.09f;
             bool high = At(heights, column, row) >= heightsBegin && water <= waterShare;
             bool knoll = !high && IsKnoll(heights, column, row, map.plan->contourInterval * 0.6f);
             uint16_t word = 0;

@@ -42,8 +42,12 @@ static uint32_t HeaderField(const FileHead& head, uint32_t offset, uint32_t widt
 static bool ReadShape(const FileHead& head, DibLayout* layout)
 {
     const bool core = head.headerSize == 12;
-    int64_t width = core ? HeaderField(head, 4, 2) : static_cast<int32_t>(HeaderField(head, 4, 4));
-    int64_t height = core ? HeaderField(head, 6, 2) : static_cast<int32_t>(HeaderField(head, 8, 4));
+    int64_t width = HeaderField(head, 4, 2);
+    int64_t height = HeaderField(head, 6, 2);
+    if (!core) {
+        width = static_cast<int32_t>(HeaderField(head, 4, 4));
+        height = static_cast<int32_t>(HeaderField(head, 8, 4));
+    }
     uint32_t planes = HeaderField(head, core ? 8 : 12, 2);
     uint32_t bits = HeaderField(head, core ? 10 : 14, 2);
     layout->topDown = height < 0;

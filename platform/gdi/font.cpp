@@ -1,5 +1,6 @@
 #include "platform/gdi/font.h"
 
+#include <cstdlib>
 #include <cstring>
 #include <ft2build.h>
 #include <memory>
@@ -166,17 +167,19 @@ static FontStrike* TakeStrike(int fontFile, int pixelSize)
 
 // ---- fonts ----
 
-// A positive height is that of the text cell, from which the character height follows.
+// A positive height is that of the text cell: the largest characters whose rounded ascent and descent fit are taken.
 static int PixelSizeOf(FT_Face face, LONG height)
 {
-    int64_t size = height < 0 ? -static_cast<int64_t>(height) : height;
-    if (height == 0)
-        size = 12;
-    if (height > 0 && face->ascender > face->descender) {
-        const int64_t cell = face->ascender - face->descender;
-        size = (size * face->units_per_EM + cell / 2) / cell;
+    constexpr int64_t defaultSize = 12;
+    int64_t size = height == 0 ? defaultSize : std::abs(static_cast<int64_t>(height));
+    size = std::min<int64_t>(size, largestPixelSize);
+    for (; height > 0 && size > 1; --size) {
+        FT_Set_Pixel_Sizes(face, 0, static_cast<FT_UInt>(size));
+        const FT_Size_Metrics& metrics = face->size->metrics;
+        if (RoundedUp(metrics.ascender) + RoundedUp(-metrics.descender) <= height)
+            break;
     }
-    return static_cast<int>(std::clamp<int64_t>(size, 1, largestPixelSize));
+    return static_cast<int>(size);
 }
 
 HFONT WINAPI CreateFontIndirectA(const LOGFONTA* record)

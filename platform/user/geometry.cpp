@@ -203,12 +203,17 @@ void HandleHostGeometry(HWND handle)
     Window* window = Lookup(handle);
     if (!window || !window->hostWindow || window->destroying)
         return;
+    const int oldLeft = window->left;
+    const int oldTop = window->top;
     HostGeometry place = {};
     host->windowGeometry(window->hostWindow, &place);
     RefreshPlace(*window);
-    if (place.clientWidth > 0 && place.clientHeight > 0 &&
-        (place.clientWidth != window->width || place.clientHeight != window->height))
-        AfterPlacement(handle, place.clientWidth, place.clientHeight, SWP_NOZORDER | SWP_NOACTIVATE);
+    if (place.clientWidth <= 0 || place.clientHeight <= 0 ||
+        (place.clientWidth == window->width && place.clientHeight == window->height))
+        return;
+    const UINT flags = SWP_NOZORDER | SWP_NOACTIVATE;
+    const bool moved = window->left != oldLeft || window->top != oldTop;
+    AfterPlacement(handle, place.clientWidth, place.clientHeight, moved ? flags : flags | keptClientPlace);
 }
 
 void UpdateSizeLimits()

@@ -3,7 +3,7 @@
 import os
 import shutil
 
-from journey import RED, SAMPLES, run, solid_mark
+from journey import HAND, RED, SAMPLES, run, solid_mark
 from support import model
 from support.mapfiles import NO_GO_MASK, WOODS, MapData, read_bitmap
 
@@ -54,7 +54,7 @@ def first_session(journey):
 
     # A smaller window, so that there is something to scroll.
     corner = (place.left + place.width - 5, place.top + place.height - 5)
-    journey.drag([corner, (place.left + 950, place.top + 750), (place.left + 900, place.top + 700)])
+    journey.drag([corner, (place.left + 950, place.top + 750), (place.left + 900, place.top + 700)], pause=HAND)
     journey.expect_soon(lambda: journey.map_window().width == 900, "the grow box makes the window 900 wide")
     place = journey.place_of_map(art)
     journey.expect((place.width, place.height) == (900, 700), "the grow box makes the window 900 x 700")

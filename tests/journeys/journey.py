@@ -16,6 +16,8 @@ SAMPLES = os.path.join(ROOT, "build", "samples")
 
 TITLE = "Kestrel Map Tool v105AA"
 GREY_192 = (192, 192, 192)
+GREY_187 = (187, 187, 187)
+HAND = 0.04  # seconds between the positions of an unhurried hand
 RED = (255, 0, 0)
 BAR_WIDTH = 16
 STRIP_HEIGHT = 18
@@ -107,8 +109,9 @@ class Journey:
         )
         window = self.wait_window(title=TITLE)
         self.map_window_number = window.number
+        if not self.expect_soon(lambda: self.is_active(window), "the program's window has the keyboard at once", 3):
+            self.click(window.left + window.width // 2, window.top + 300)
         self.wait_active(window)
-        return window
 
     def wait_exit(self, timeout=10):
         """The program's exit status."""
@@ -139,15 +142,14 @@ class Journey:
     def wait_window(self, title=None, size=None, timeout=10):
         return wait_until(lambda: self.find_window(title, size), "a window %s" % (title or "of %d x %d" % size), timeout)
 
+    def is_active(self, window=None):
+        """Whether keys reach that window, or any of the program's."""
+        word = self.display.property(self.display.root, "_NET_ACTIVE_WINDOW")
+        active = struct.unpack("<Q", word[:8])[0] if len(word) >= 8 else 0
+        return active in ([window.number] if window else [each.number for each in self.windows()])
+
     def wait_active(self, window=None):
-        """Waits until keys reach that window, or any of the program's."""
-
-        def is_active():
-            word = self.display.property(self.display.root, "_NET_ACTIVE_WINDOW")
-            active = struct.unpack("<Q", word[:8])[0] if len(word) >= 8 else 0
-            return active in ([window.number] if window else [each.number for each in self.windows()])
-
-        wait_until(is_active, "the keyboard's focus")
+        wait_until(lambda: self.is_active(window), "the keyboard's focus")
 
     def map_window(self):
         return next(window for window in self.windows() if window.number == self.map_window_number)
@@ -174,13 +176,14 @@ class Journey:
     def wheel_up(self, place):
         self.click(place.left + 300, place.top + 350, 4)
 
-    def drag(self, points, key=None):
-        """Presses at the first of these screen points, visits the others and lets go, in one go."""
+    def drag(self, points, key=None, pause=0):
+        """Presses at the first of these screen points, visits the others and lets go; with no pause in one go."""
+        wait = ["sleep", pause] if pause else []
         words = ["keydown", key] if key else []
         words += ["mousemove", *points[0], "mousedown", 1]
         for point in points[1:]:
-            words += ["mousemove", *point]
-        words += ["mouseup", 1]
+            words += wait + ["mousemove", *point]
+        words += wait + ["mouseup", 1]
         if key:
             words += ["keyup", key]
         self.xdotool(*words)
@@ -309,7 +312,7 @@ class Journey:
 
     def find_fault(self, place, art, marks, holes):
         """The first pixel of the view that is not the map's (or a mark's), as a text; None when all are right. Windows
-        on top are left out."""
+        on top are left out. The grow box reaches two pixels into the view."""
         shot = self.shot()
         background = bytes(GREY_192) + b"\0"
         for y in range(place.view_height):
@@ -322,6 +325,8 @@ class Journey:
                 for i in range(10):
                     if 0 <= start + i < place.view_width:
                         row[4 * (start + i) : 4 * (start + i) + 4] = mark[v % 10][4 * i : 4 * i + 4]
+            if y >= place.view_height - 2:
+                row[-8:] = bytes(GREY_187 + (0,)) * 2
             shown = shot.row(place.left, place.top + y, place.view_width)
             for hole in holes:
                 if hole.top <= place.top + y < hole.top + hole.height:

@@ -1,6 +1,6 @@
 """The palettes stand where they should, to the pixel, and come back where they were left."""
 
-from journey import run
+from journey import HAND, run
 from support.mapfiles import coded_art, new_map_data, write_bitmap, write_map
 
 OLIVE = (89, 122, 25)
@@ -62,7 +62,7 @@ def palette_geometry(journey):
     journey.picture("palette_features")
 
     grip = (palette.left + 60, palette.top + 9)
-    journey.drag([grip, (grip[0] + 3, grip[1] + 2), (grip[0] + 120, grip[1] + 60), (grip[0] + 211, grip[1] + 137)])
+    journey.drag([grip, (grip[0] + 3, grip[1] + 2), (grip[0] + 120, grip[1] + 60), (grip[0] + 211, grip[1] + 137)], pause=HAND)
     journey.expect_soon(
         lambda: journey.find_window(size=FEATURES).left == 236, "the palette follows its title bar to 236"
     )
@@ -84,7 +84,7 @@ def palette_geometry(journey):
     expect_frame(journey, costs, view, art, "the move-cost palette")
     journey.expect_view(view, art, "no move cost is marked at first", holes=[costs])
     journey.picture("palette_move_costs")
-    journey.drag([(costs.left + 60, costs.top + 9), (costs.left + 200, costs.top + 100), (100, 300)])
+    journey.drag([(costs.left + 60, costs.top + 9), (costs.left + 200, costs.top + 100), (100, 300)], pause=HAND)
     journey.expect_soon(lambda: journey.find_window(size=MOVE_COSTS).left == 40, "the move-cost palette is dragged")
     costs = journey.wait_window(size=MOVE_COSTS)
     expect_place(journey, costs, (40, 291), "the move-cost palette is where it was dragged")

@@ -1,10 +1,9 @@
 """Every screen pixel of the map window shows the map pixel that belongs there, however the map is scrolled and the
 window sized."""
 
-from journey import BAR_WIDTH, BELOW_VIEW, GREY_192, STRIP_HEIGHT, run
+from journey import BAR_WIDTH, BELOW_VIEW, GREY_187, GREY_192, HAND, STRIP_HEIGHT, run
 from support.mapfiles import coded_art, coded_place, new_map_data, write_bitmap, write_map
 
-GREY_187 = (187, 187, 187)
 WIDTH, HEIGHT = 1500, 1300
 
 
@@ -43,11 +42,11 @@ def scroll_by_bars(journey, place, art):
     top, bottom = place.top, place.top + place.view_height
     left, right = place.left, place.left + place.view_width
 
-    journey.drag([(vertical, top + 40), (vertical, top + 50), (vertical, top + 60)])
+    journey.drag([(vertical, top + 40), (vertical, top + 50), (vertical, top + 60)], pause=HAND)
     take_scroll(journey, place)
     journey.expect(0 < place.v < max_v and place.h == 0, "the thumb drags the map a little down")
     journey.expect_view(place, art, "the dragged map is whole")
-    journey.drag([(vertical, top + 100), (vertical, top + 300), (vertical, bottom + 90)])
+    journey.drag([(vertical, top + 100), (vertical, top + 300), (vertical, bottom + 90)], pause=HAND)
     take_scroll(journey, place)
     journey.expect((place.h, place.v) == (0, max_v), "the thumb at its end shows the map's lower edge")
     journey.expect_view(place, art, "the lower edge is whole")
@@ -61,7 +60,7 @@ def scroll_by_bars(journey, place, art):
     place.v = max(0, place.v - place.view_height)
     journey.expect_view(place, art, "a click above the thumb turns a page")
 
-    journey.drag([(left + 40, horizontal), (left + 300, horizontal), (right + 50, horizontal)])
+    journey.drag([(left + 40, horizontal), (left + 300, horizontal), (right + 50, horizontal)], pause=HAND)
     take_scroll(journey, place)
     journey.expect((place.h, place.v) == (max_h, 0), "the thumb at its end shows the map's right edge")
     journey.expect_view(place, art, "the right edge is whole")
@@ -105,7 +104,7 @@ def pixel_exact(journey):
     # Smaller by the grow box, and larger again at the far corner.
     journey.keys(*["Left"] * 5, *["Up"] * 7)
     corner = (place.left + place.width - 8, place.top + place.height - 8)
-    journey.drag([corner, (place.left + 710, place.top + 520), (place.left + 700, place.top + 500)])
+    journey.drag([corner, (place.left + 710, place.top + 520), (place.left + 700, place.top + 500)], pause=HAND)
     journey.expect_soon(lambda: journey.map_window().width == 700, "the grow box sizes the window")
     place = journey.place_of_map(art)
     journey.expect((place.width, place.height) == (700, 500), "the window is as large as it was drawn")
@@ -115,7 +114,7 @@ def pixel_exact(journey):
     place.h, place.v = WIDTH - place.view_width, HEIGHT - place.view_height
     journey.expect_view(place, art, "the smaller window reaches the far corner")
     corner = (place.left + place.width - 8, place.top + place.height - 8)
-    journey.drag([corner, (place.left + 800, place.top + 550), (place.left + 900, place.top + 640)])
+    journey.drag([corner, (place.left + 800, place.top + 550), (place.left + 900, place.top + 640)], pause=HAND)
     journey.expect_soon(lambda: journey.map_window().width == 900, "the grow box makes the window larger")
     window = journey.map_window()
     place.width, place.height = window.width, window.top + window.height - place.top
@@ -123,7 +122,7 @@ def pixel_exact(journey):
     journey.expect_view(place, art, "a larger window moves the map back to its far edges")
     expect_furniture(journey, place, "in the larger window")
     corner = (place.left + place.width - 8, place.top + place.height - 8)
-    journey.drag([corner, (place.left + 200, place.top + 200), (place.left + 100, place.top + 90)])
+    journey.drag([corner, (place.left + 200, place.top + 200), (place.left + 100, place.top + 90)], pause=HAND)
     journey.expect_soon(lambda: journey.map_window().width == 370, "the grow box stops at 370")
     place = journey.place_of_map(art, place.h, place.v)
     journey.expect((place.width, place.height) == (370, 300), "the window is never smaller than 370 x 300")

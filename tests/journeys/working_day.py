@@ -6,7 +6,6 @@ import shutil
 from journey import EDIT_MENU, GREY_192, STRIP_HEIGHT, TITLE, VIEW_MENU, run
 from support import model
 from support.mapfiles import HI_LOW, ROAD, TOWN, WOODS, coded_art, new_map_data, write_bitmap
-from support.screen import wait_until
 
 WIDTH, HEIGHT = 855, 625
 FEATURE_BOXES = {HI_LOW: (19, 48), WOODS: (19, 64), TOWN: (19, 80), ROAD: (19, 96)}

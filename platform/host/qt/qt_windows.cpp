@@ -323,7 +323,9 @@ void ShowWindow(HostWindow* handle, int how)
         WaitUntilWithdrawn(window->top->windowHandle());
         return;
     }
-    const bool quietly = window->kind == hostPopupWindow || how == hostShowInactive;
+    // A pop-up never takes the focus. Whether the framed window gets it when it is not activated is the window manager's
+    // choice, which gives it to a program that the user has just started.
+    const bool quietly = window->kind == hostPopupWindow;
     const bool wasHidden = !window->top->isVisible();
     const QPoint asked = window->top->pos();
     window->placing = true;
@@ -332,7 +334,7 @@ void ShowWindow(HostWindow* handle, int how)
         window->top->showNormal();
     else
         window->top->show();
-    if (!quietly)
+    if (!quietly && how == hostShowActive)
         window->top->activateWindow();
     FlushDisplay();
     // Only a framed window is left to the window manager's choice of a place.
