@@ -1,5 +1,5 @@
-// The commands of the four menus, the function keys, and which items are enabled when. DoMenuCommand, DoFunctionKey and
-// AdjustMenus are declared in toolbox/shell_door.h.
+// The commands of the four menus, the function keys, and which items are enabled when. DoMenuCommand, DoFunctionKey
+// and AdjustMenus are declared in toolbox/shell_door.h.
 #pragma once
 
 #include "toolbox/shell_door.h"

@@ -185,8 +185,8 @@ int16_t LoadMapArt()
     if (view.mapImage == nullptr || !FullPath(&currentMap.artFileSpec, path)) {
         return 1;
     }
-    const HBITMAP art = static_cast<HBITMAP>(
-        LoadImageA(nullptr, path, IMAGE_BITMAP, 0, 0, LR_LOADFROMFILE | LR_CREATEDIBSECTION));
+    const HBITMAP art =
+        static_cast<HBITMAP>(LoadImageA(nullptr, path, IMAGE_BITMAP, 0, 0, LR_LOADFROMFILE | LR_CREATEDIBSECTION));
     if (art == nullptr) {
         return 1;
     }

@@ -157,9 +157,8 @@ void CreateScrollBars()
     DestroyScrollBars();
     const Rect& shown = view.viewRect;
     const Rect& map = currentMap.record.mapRect;
-    view.verticalScrollBar =
-        CreateBar(MakeRect(shown.right, shown.top - 1, shown.right + scrollBarWidth, shown.bottom + 1), map.bottom,
-                  shown.top);
+    view.verticalScrollBar = CreateBar(
+        MakeRect(shown.right, shown.top - 1, shown.right + scrollBarWidth, shown.bottom + 1), map.bottom, shown.top);
     view.horizontalScrollBar =
         CreateBar(MakeRect(shown.left - 1, shown.bottom, shown.right + 1, shown.bottom + scrollBarWidth), map.right,
                   shown.left);

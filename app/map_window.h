@@ -11,7 +11,7 @@ constexpr int moveStripHeight = 10;
 constexpr int minContentWidth = 370;
 constexpr int minContentHeight = 300;
 
-bool MapWindowExists(); // false before it is made and after it was destroyed
+bool MapWindowExists();  // false before it is made and after it was destroyed
 void DestroyMapWindow(); // and frees its record; for shutdown
 void MakeProgramTitle(char* title);
 

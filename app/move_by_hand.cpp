@@ -12,8 +12,8 @@ constexpr int promptList = 10000;
 constexpr int promptIndex = 39;
 constexpr int visibleRest = 50; // how much of the window stays on the screen at its right and bottom
 
-// Waits for the press that takes hold of the window; false when a key ended the wait. The press may lie on the map or on
-// the status strip below it.
+// Waits for the press that takes hold of the window; false when a key ended the wait. The press may lie on the map or
+// on the status strip below it.
 bool WaitForGrab(Point* grab)
 {
     Rect target = currentMap.record.mapRect;
@@ -49,8 +49,8 @@ bool PlaceIsAllowed(const Rect* place)
            place->top < screen.bottom - visibleRest;
 }
 
-// Carries the outline with the pointer until the button is up, then moves the window there. Candidates that would leave
-// the screen are refused and the pointer is put back to the grabbed spot.
+// Carries the outline with the pointer until the button is up, then moves the window there. Candidates that would
+// leave the screen are refused and the pointer is put back to the grabbed spot.
 void CarryWindow(Point grab)
 {
     const HWND window = shell.mapWindow->window;

@@ -25,7 +25,8 @@ struct ClassRow {
     bool isMapWindow;
 };
 
-// The classes draw their own background and set the cursor themselves; each window keeps its record in its extra word.
+// The classes draw their own background and set the cursor themselves; each window keeps its record in its extra
+// word.
 const ClassRow classTable[] = {
     {"KestrelWClass", CS_VREDRAW | CS_HREDRAW | CS_OWNDC | CS_NOCLOSE, MapWindowProcedure, true},
     {"WMockDialogClass", CS_OWNDC, DialogWindowProcedure, false},
@@ -219,8 +220,7 @@ int LoadInterfaceBitmap()
     const int tableEntries = header.biBitCount == 4 ? 16 : 256;
     const BYTE* pixels = reinterpret_cast<const BYTE*>(resource) + bitmapHeaderSize +
                          static_cast<size_t>(tableEntries) * sizeof(RGBQUAD);
-    const HBITMAP loaded =
-        CreateDIBitmap(shell.mapWindowDC, &header, CBM_INIT, pixels, resource, DIB_RGB_COLORS);
+    const HBITMAP loaded = CreateDIBitmap(shell.mapWindowDC, &header, CBM_INIT, pixels, resource, DIB_RGB_COLORS);
     if (loaded == nullptr) {
         return 1;
     }

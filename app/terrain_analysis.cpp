@@ -1,5 +1,7 @@
 #include "app/map_views.h"
 
+#include <algorithm>
+
 #include "app/commands.h"
 #include "app/map_window.h"
 #include "mapdata/map_record.h"
@@ -96,27 +98,58 @@ void CopyNoGoTile(TerrainCell cell, const Rect& place)
     CopyFromInterfaceBitmap(view.mapImage, &tile, &place);
 }
 
-// Fills neighbours of one ground together: one fill for a whole stretch of the row.
-void DrawRowGround(int row, const AnalysisBrushes& brushes)
+// Fills the row's squares, or their first height pixel rows, neighbours of one ground together.
+void FillRowGround(int row, int height, const AnalysisBrushes& brushes)
 {
     const int columns = currentMap.record.columnCount;
     int start = 0;
     while (start < columns) {
-        const TerrainCell cell = currentMap.cellColumns[start][row];
-        const int ground = GroundOf(cell);
+        const int ground = GroundOf(currentMap.cellColumns[start][row]);
         int end = start + 1;
-        if (ground == tileGround) {
-            CopyNoGoTile(cell, CellsRect(start, end, row));
-        } else {
-            while (end < columns && GroundOf(currentMap.cellColumns[end][row]) == ground) {
-                end++;
-            }
-            if (ground != artGround) {
-                const Rect stretch = CellsRect(start, end, row);
-                FillRectBrush(&stretch, brushes.ground[ground]);
-            }
+        while (end < columns && GroundOf(currentMap.cellColumns[end][row]) == ground) {
+            end++;
+        }
+        if (ground >= 0) {
+            Rect stretch = CellsRect(start, end, row);
+            stretch.bottom = static_cast<int16_t>(stretch.top + height);
+            FillRectBrush(&stretch, brushes.ground[ground]);
         }
         start = end;
+    }
+}
+
+// Copies the first pixel row of a row of cells to the nine below it, which is faster than filling each square.
+void SpreadFirstPixelRow(int row)
+{
+    Rect source = CellsRect(0, currentMap.record.columnCount, row);
+    for (int done = 1; done < cellSize; done *= 2) {
+        Rect target = source;
+        target.top = static_cast<int16_t>(source.top + done);
+        target.bottom = static_cast<int16_t>(source.top + std::min(2 * done, cellSize));
+        CopyBits(view.mapImage->dc, view.mapImage->dc, &source, &target, 0, nullptr);
+    }
+}
+
+void DrawRowGround(int row, const AnalysisBrushes& brushes)
+{
+    bool keepsArt = false;
+    bool hasTiles = false;
+    for (int column = 0; column < currentMap.record.columnCount; column++) {
+        const int ground = GroundOf(currentMap.cellColumns[column][row]);
+        keepsArt = keepsArt || ground == artGround;
+        hasTiles = hasTiles || ground == tileGround;
+    }
+    if (keepsArt) {
+        FillRowGround(row, cellSize, brushes);
+    } else {
+        FillRowGround(row, 1, brushes);
+        SpreadFirstPixelRow(row);
+    }
+    for (int column = 0; hasTiles && column < currentMap.record.columnCount; column++) {
+        const TerrainCell cell = currentMap.cellColumns[column][row];
+        if (GroundOf(cell) == tileGround) {
+            CopyNoGoTile(cell, CellsRect(column, column + 1, row));
+        }
     }
 }
 

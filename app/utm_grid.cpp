@@ -10,10 +10,10 @@
 
 namespace {
 
-constexpr int kilometre = 100;     // map pixels
-constexpr int labelEvery = 500;    // along a line
-constexpr int eastingAbove = 46;   // first easting label, above the grid's bottom edge
-constexpr int northingRight = 45;  // first northing label, right of the grid's left edge
+constexpr int kilometre = 100;    // map pixels
+constexpr int labelEvery = 500;   // along a line
+constexpr int eastingAbove = 46;  // first easting label, above the grid's bottom edge
+constexpr int northingRight = 45; // first northing label, right of the grid's left edge
 constexpr COLORREF labelBackground = PALETTERGB(255, 255, 102);
 
 void DrawLabel(int kilometres, int h, int v)

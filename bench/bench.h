@@ -1,4 +1,5 @@
-// A largest map in memory and in the current folder, with the program's window on the headless host, for all benchmarks.
+// A largest map in memory and in the current folder, with the program's window on the headless host, for all
+// benchmarks.
 #pragma once
 
 #include <cstddef>

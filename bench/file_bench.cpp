@@ -60,7 +60,8 @@ void OpenMapFiles(benchmark::State& state)
         view.mapImage = nullptr;
         if (OpenMapDataFile() != 0 || ReadMapHeader(currentMap.openDataFile) != 0 || AllocateCellColumns() != 0 ||
             ReadMapCells(currentMap.openDataFile) != 0 ||
-            NewGWorld(&view.mapImage, 32, &currentMap.record.mapRect, nullptr, nullptr, 0) != 0 || LoadMapArt() != 0) {
+            NewGWorld(&view.mapImage, 32, &currentMap.record.mapRect, nullptr, nullptr, 0) != 0 ||
+            LoadMapArt() != 0) {
             state.SkipWithError("the map could not be opened");
         }
         CloseFile(currentMap.openDataFile);

@@ -76,8 +76,9 @@ void FillRecord()
     for (int y = 0; y < maxCellCount; y++) {
         for (int x = 0; x < maxCellCount; x++) {
             constexpr int codes[] = {0, 1, 2, 3, 4, 6};
-            const int word = codes[(x * 5 + y * 3) / 4 % 6] << cellMoveCostShift | ((x + y) % 9 == 0 ? cellWoods : 0) |
-                             ((x + 2 * y) % 17 == 0 ? cellHiLow : 0) | (x % 23 == 0 ? cellRoad : 0);
+            const int word = codes[(x * 5 + y * 3) / 4 % 6] << cellMoveCostShift |
+                             ((x + y) % 9 == 0 ? cellWoods : 0) | ((x + 2 * y) % 17 == 0 ? cellHiLow : 0) |
+                             (x % 23 == 0 ? cellRoad : 0);
             currentMap.cellColumns[x][y] = static_cast<TerrainCell>(word);
         }
     }

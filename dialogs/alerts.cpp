@@ -5,8 +5,6 @@
 #include "toolbox/resources.h"
 #include "toolbox/shell_door.h"
 
-#include <algorithm>
-
 namespace {
 
 constexpr int answerYes = 1;
@@ -31,6 +29,13 @@ WindowPtr NewTextDialog(int width, int* height, const char* text, const TextBloc
         SizeWindow(dialog, width, needed, 0);
     }
     return dialog;
+}
+
+// The first of the buttons added so far becomes the default item. Short memory may have left one out: an alert whose
+// buttons would carry wrong numbers is declined at once.
+void SetDefaultButton(WindowPtr dialog, int buttonCount)
+{
+    dialog->defaultItem = dialog->itemCount == buttonCount ? dialog->firstItem : nullptr;
 }
 
 // Runs the dialog until one of its first buttons is hit, which is returned; 0 when the program is to end.
@@ -93,7 +98,8 @@ void MessageAlert(int width, int height, int sound, int list, int index, const c
         AdjustMenus();
         return;
     }
-    dialog->defaultItem = AddOKButton(dialog, width - 60, height - 30, width - 10, height - 10);
+    AddOKButton(dialog, width - 60, height - 30, width - 10, height - 10);
+    SetDefaultButton(dialog, 1);
     AddMessage(dialog, width, height, message);
     if (sound != 0) {
         PlaySoundResource(sound);
@@ -128,7 +134,7 @@ int YesNoAlert(int width, int height, int list, int index, const char* text)
     }
     AddAnswerButton(dialog, width - 60, height, 68, answerYes);
     AddAnswerButton(dialog, width - 120, height, 69, answerNo);
-    dialog->defaultItem = FindItemByNumber(dialog, answerYes);
+    SetDefaultButton(dialog, 2);
     AddMessage(dialog, width, height, question);
     ShowWindowInactive(dialog);
     DrawMockDialog(dialog, false);
@@ -168,7 +174,7 @@ int TwoButtonAlert(const char* message, const char* firstText, const char* secon
         secondLeft = secondRight - (secondTextWidth + 10);
     }
     AddPushButton(dialog, secondLeft, top, secondRight, top + 20, secondText, cancelItemID);
-    dialog->defaultItem = FindItemByNumber(dialog, 1);
+    SetDefaultButton(dialog, 2);
     AddStaticText(dialog, block.margin, block.margin, width - block.margin, height - block.room, message);
     ShowWindowInactive(dialog);
     DrawMockDialog(dialog, true);

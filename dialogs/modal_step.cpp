@@ -166,6 +166,9 @@ void ModalDialogStep(WindowPtr dialog, int32_t* itemHit, int32_t* itemID, HRGN m
 
 bool RunDialogStep(WindowPtr dialog, int32_t* itemHit, int32_t* itemID)
 {
+    if (dialog->defaultItem == nullptr) {
+        return false;
+    }
     ModalDialogStep(dialog, itemHit, itemID, nullptr);
     if (*itemHit == mapUpdateCode) {
         PaintMapWindow();

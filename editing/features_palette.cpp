@@ -145,8 +145,16 @@ void Close()
 
 void RunFeaturesPalette()
 {
-    static const Palette palette = {
-        300,  255,     15153,          items, static_cast<int>(std::size(items)), &shell.featuresPaletteOpen,
-        Open, HasTool, FeaturesStroke, Hit,   Close};
+    static const Palette palette = {300,
+                                    255,
+                                    15153,
+                                    items,
+                                    static_cast<int>(std::size(items)),
+                                    &shell.featuresPaletteOpen,
+                                    Open,
+                                    HasTool,
+                                    FeaturesStroke,
+                                    Hit,
+                                    Close};
     RunPalette(&palette);
 }

@@ -125,8 +125,16 @@ void Close()
 
 void RunMoveCostPalette()
 {
-    static const Palette palette = {
-        285,  210,     15170,          items, static_cast<int>(std::size(items)), &shell.moveCostPaletteOpen,
-        Open, HasTool, MoveCostStroke, Hit,   Close};
+    static const Palette palette = {285,
+                                    210,
+                                    15170,
+                                    items,
+                                    static_cast<int>(std::size(items)),
+                                    &shell.moveCostPaletteOpen,
+                                    Open,
+                                    HasTool,
+                                    MoveCostStroke,
+                                    Hit,
+                                    Close};
     RunPalette(&palette);
 }

@@ -63,7 +63,8 @@ void OutlineInView(const Rect& cell, HBRUSH brush)
     if (!ClipToBounds(&shown, &view.viewRect)) {
         return;
     }
-    if (shown.left == cell.left && shown.top == cell.top && shown.right == cell.right && shown.bottom == cell.bottom) {
+    if (shown.left == cell.left && shown.top == cell.top && shown.right == cell.right &&
+        shown.bottom == cell.bottom) {
         FrameRectBrush(&cell, brush);
         return;
     }
@@ -162,40 +163,57 @@ void MarkMoveCostCell(const Rect& place, HBRUSH brush)
     }
 }
 
-// Partly visible cells at the right and bottom are marked as well. Neighbours of one colour in a row are filled together
-// in the solid style.
+// A brush for every code that a cell can hold; null where the class has no colour or is not shown.
+struct MoveCostBrushes {
+    HBRUSH ofCode[1 << (16 - cellMoveCostShift)];
+};
+
+MoveCostBrushes CreateShownBrushes()
+{
+    MoveCostBrushes brushes = {};
+    for (const MoveCostRow& row : moveCostTable) {
+        if (*row.show) {
+            brushes.ofCode[row.code] = CreateSolidBrush(row.colour);
+        }
+    }
+    return brushes;
+}
+
+// Marks the cells of one row from x to endX. In the solid style neighbours of one colour are filled together.
+void MarkMoveCostRow(int y, int x, int endX, const MoveCostBrushes& brushes)
+{
+    const auto brushOf = [&](int column) {
+        return brushes.ofCode[currentMap.cellColumns[column][y] >> cellMoveCostShift];
+    };
+    while (x < endX) {
+        const HBRUSH brush = brushOf(x);
+        int next = x + 1;
+        if (brush != nullptr) {
+            Rect place = CellRect(x, y);
+            while (editing.brushStyle == solidBrush && next < endX && brushOf(next) == brush) {
+                next++;
+            }
+            place.right = static_cast<int16_t>(next * cellSize);
+            MarkMoveCostCell(place, brush);
+        }
+        x = next;
+    }
+}
+
+// Partly visible cells at the right and bottom are marked as well.
 void MarkVisibleMoveCosts()
 {
-    HBRUSH brushes[std::size(moveCostTable)];
-    for (size_t i = 0; i < std::size(moveCostTable); i++) {
-        brushes[i] = CreateSolidBrush(moveCostTable[i].colour);
-    }
-    const auto brushOf = [&](int x, int y) -> HBRUSH {
-        const MoveCostRow* row = FindMoveCost(currentMap.cellColumns[x][y]);
-        return row != nullptr && *row->show ? brushes[row - moveCostTable] : nullptr;
-    };
+    const MoveCostBrushes brushes = CreateShownBrushes();
     const Rect& shown = view.viewRect;
     const int endX = std::min<int>(shown.right / cellSize + 1, currentMap.record.columnCount);
     const int endY = std::min<int>(shown.bottom / cellSize + 1, currentMap.record.rowCount);
     for (int y = shown.top / cellSize; y < endY; y++) {
-        for (int x = shown.left / cellSize; x < endX;) {
-            const HBRUSH brush = brushOf(x, y);
-            int next = x + 1;
-            if (brush != nullptr) {
-                Rect place = CellRect(x, y);
-                if (editing.brushStyle == solidBrush) {
-                    while (next < endX && brushOf(next, y) == brush) {
-                        next++;
-                    }
-                    place.right = static_cast<int16_t>(next * cellSize);
-                }
-                MarkMoveCostCell(place, brush);
-            }
-            x = next;
-        }
+        MarkMoveCostRow(y, shown.left / cellSize, endX, brushes);
     }
-    for (const HBRUSH brush : brushes) {
-        DeleteObject(brush);
+    for (const HBRUSH brush : brushes.ofCode) {
+        if (brush != nullptr) {
+            DeleteObject(brush);
+        }
     }
 }
 

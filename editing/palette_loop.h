@@ -19,12 +19,12 @@ struct Palette {
     int titleID;
     const PaletteItemRow* items;
     int itemCount;
-    uint32_t* openFlag;                            // of the shell
-    void (*open)(WindowPtr palette);               // sets the settings that each opening begins with
-    bool (*hasTool)();                             // a press in the map paints only then, else it beeps
-    void (*stroke)(WindowPtr palette);             // a press in the map
+    uint32_t* openFlag;                             // of the shell
+    void (*open)(WindowPtr palette);                // sets the settings that each opening begins with
+    bool (*hasTool)();                              // a press in the map paints only then, else it beeps
+    void (*stroke)(WindowPtr palette);              // a press in the map
     void (*hit)(WindowPtr palette, int32_t itemID); // a press on an item
-    void (*close)();                               // forgets the tool
+    void (*close)();                                // forgets the tool
 };
 
 void RunPalette(const Palette* palette);

@@ -19,8 +19,10 @@ struct FeatureRow {
     TerrainCell value;
 };
 const FeatureRow featureTable[] = {
-    {hiLowTool, cellHiLow, cellHiLow},     {woodsTool, cellWoods, cellWoods},
-    {townTool, cellTown, cellTown},        {roadTool, cellRoad, cellRoad},
+    {hiLowTool, cellHiLow, cellHiLow},
+    {woodsTool, cellWoods, cellWoods},
+    {townTool, cellTown, cellTown},
+    {roadTool, cellRoad, cellRoad},
     {miscLOSTool, cellMiscLOSBlock, cellMiscLOSBlock},
     {noGo1Tool, cellNoGoMask, 1 << cellNoGoShift},
     {noGo2Tool, cellNoGoMask, 2 << cellNoGoShift},

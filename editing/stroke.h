@@ -11,8 +11,8 @@ enum CellMode { toggleCell = 0, setCell = 1, clearCell = 2 };
 int PaintFeatureCell(int x, int y, int mode);
 int PaintMoveCostCell(int x, int y, int mode);
 
-// Run the stroke that the current event's press begins, to the release. With Alt held the press selects an area instead;
-// the palette is the one that is open.
+// Run the stroke that the current event's press begins, to the release. With Alt held the press selects an area
+// instead; the palette is the one that is open.
 void FeaturesStroke(WindowPtr palette);
 void MoveCostStroke(WindowPtr palette);
 

@@ -4,6 +4,8 @@
 #include "toolbox/resources.h"
 #include "toolbox/shell_door.h"
 
+#include <iterator>
+
 namespace {
 
 // Renames the data file to its backup name, over an older backup if need be. A failure is not reported: a new map has
@@ -95,7 +97,8 @@ int AskSaveBeforeQuit()
         GetIndString(text, button.list, button.index);
         AddPushButton(dialog, button.left, 40, button.right, 60, text, button.itemID);
     }
-    dialog->defaultItem = FindItemByNumber(dialog, saveAnswer);
+    // With a button missing for want of memory the numbers would tell the wrong answer.
+    dialog->defaultItem = dialog->itemCount == std::size(quitButtons) ? dialog->firstItem : nullptr;
     GetIndString(text, 15000, 140);
     AddStaticText(dialog, 10, 10, 230, 30, text);
 

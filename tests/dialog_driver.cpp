@@ -41,6 +41,7 @@ void DialogDriver::SetUp()
 
 void DialogDriver::TearDown()
 {
+    host->pump(2 * scriptDelay); // the release of the last key or button
     EXPECT_EQ(HeadlessStepsLeft(), 0) << "steps that no loop took";
     CloseFile(currentMap.openDataFile);
     ShutdownApplication();

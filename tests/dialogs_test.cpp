@@ -147,9 +147,14 @@ TEST_F(DialogsTest, ShortMemoryLeavesNothingBehind)
     const WindowPtr port = currentPort;
     FailAllocationAfter(0);
     EXPECT_EQ(MakeDialog(), nullptr);
-    MessageAlert(0, 0, 0, 0, 0, "x");
-    FailAllocationAfter(0);
-    EXPECT_EQ(YesNoAlert(0, 0, 0, 0, "x"), 0);
+    for (int record = 0; record < 2; record++) { // of the dialog and of its first button
+        FailAllocationAfter(record);
+        MessageAlert(0, 0, 0, 0, 0, "x");
+    }
+    for (int record = 0; record < 3; record++) {
+        FailAllocationAfter(record);
+        EXPECT_EQ(YesNoAlert(0, 0, 0, 0, "x"), 0);
+    }
     EXPECT_EQ(currentPort, port);
     FailAllocationAfter(-1);
     MakeDialog();
@@ -446,7 +451,7 @@ TEST_F(DialogsTest, ClicksAreReportedByWhatTheyHit)
     for (const auto& click : clicks) {
         EXPECT_EQ(ReportOfPress(click.pressed, click.released), click.report) << click.what;
     }
-    ScriptPressAndRelease(shell.mapWindow, {5, 5}, {5, 5});
+    ScriptPressAndRelease(shell.mapWindow, {250, 350}, {250, 350});
     EXPECT_EQ(NextReport(), Report(mapClickCode, mapClickCode));
 }
 
@@ -469,6 +474,7 @@ TEST_F(DialogsTest, APressedButtonLooksPressedUntilTheNextPaint)
 TEST_F(DialogsTest, UpdatesOfTheMapWindowAreTheCallers)
 {
     MakeDialog();
+    dialog->defaultItem = AddOKButton(dialog, 140, 90, 190, 110);
     ShowDialog();
     NextReport();
     InvalidateMapRect(nullptr);

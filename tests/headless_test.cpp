@@ -25,6 +25,11 @@ class HeadlessHost : public testing::Test {
         TakeEvents();
     }
 
+    void TearDown() override
+    {
+        HeadlessReset();
+    }
+
     HostWindow* ShowPopup()
     {
         const HostWindowRequest request = {hostPopupWindow, frame, origin.x + 50, origin.y + 50, 100, 80, 0, "Popup"};

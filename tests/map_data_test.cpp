@@ -25,8 +25,8 @@ class MapDataTest : public testing::Test {
   protected:
     void SetUp() override
     {
-        char pattern[] = "/tmp/kestrel-map-data-XXXXXX";
-        folder = std::string(mkdtemp(pattern)) + "/";
+        std::string pattern = std::filesystem::temp_directory_path() / "kestrel-map-data-XXXXXX";
+        folder = std::string(mkdtemp(pattern.data())) + "/";
         MakeFileSpec(folder.c_str(), "Map101c.dat", &spec);
         ReleaseCellColumns();
         currentMap = {};

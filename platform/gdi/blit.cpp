@@ -5,11 +5,26 @@
 
 static_assert(std::endian::native == std::endian::little, "rows of 24 bits are read as little-endian words");
 
+// Copies in short pieces. For long ones the C library may use the processor's string move, which some processors run
+// eight times slower where the addresses differ by a few bytes beyond whole pages, as a block of the heap and one of
+// whole pages do.
+static void CopyPixels(uint32_t* destination, const uint8_t* source, int count)
+{
+    constexpr int longestPiece = 480; // below the length from which the C library changes its method
+    while (count > 0) {
+        const int piece = std::min(count, longestPiece);
+        memcpy(destination, source, static_cast<size_t>(piece) * 4);
+        destination += piece;
+        source += static_cast<ptrdiff_t>(piece) * 4;
+        count -= piece;
+    }
+}
+
 void ConvertRow(uint32_t* destination, const PixelRows& source, int x, int y, int count)
 {
     const uint8_t* row = source.topRow + source.stride * y;
     if (source.bits == 32) {
-        memcpy(destination, row + static_cast<ptrdiff_t>(x) * 4, static_cast<size_t>(count) * 4);
+        CopyPixels(destination, row + static_cast<ptrdiff_t>(x) * 4, count);
     } else if (source.bits == 24) {
         const uint8_t* from = row + static_cast<ptrdiff_t>(x) * 3;
         // A whole word is read for each pixel but the last, after which the row may end.

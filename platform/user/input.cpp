@@ -250,22 +250,38 @@ void TakeKeyState(const HostEvent& event)
 
 namespace {
 
-bool IsHeld(int key, unsigned buttons, unsigned modifiers, const bool* keys)
+// The device that knows a key: the pointer's buttons or the modifiers; all other keys are known from their events.
+bool IsHeld(int key, unsigned (*buttons)(), unsigned (*modifiers)(), const bool* keys)
 {
     switch (key) {
     case VK_LBUTTON:
-        return (buttons & hostLeftButton) != 0;
+        return (buttons() & hostLeftButton) != 0;
     case VK_RBUTTON:
-        return (buttons & hostRightButton) != 0;
+        return (buttons() & hostRightButton) != 0;
     case VK_SHIFT:
-        return (modifiers & hostShift) != 0;
+        return (modifiers() & hostShift) != 0;
     case VK_CONTROL:
-        return (modifiers & hostControl) != 0;
+        return (modifiers() & hostControl) != 0;
     case VK_MENU:
-        return (modifiers & hostAlt) != 0;
+        return (modifiers() & hostAlt) != 0;
     default:
         return key >= 0 && key < 256 && keys[key];
     }
+}
+
+bool IsHeldNow(int key)
+{
+    return IsHeld(key, host->buttons, host->modifiers, user.keyDownNow);
+}
+
+unsigned TakenButtons()
+{
+    return user.keyButtons;
+}
+
+unsigned TakenModifiers()
+{
+    return user.keyModifiers;
 }
 
 constexpr SHORT heldState = static_cast<SHORT>(0x8000);
@@ -274,7 +290,7 @@ constexpr SHORT heldState = static_cast<SHORT>(0x8000);
 
 SHORT WINAPI GetKeyState(int key)
 {
-    return IsHeld(key, user.keyButtons, user.keyModifiers, user.keyDown) ? heldState : 0;
+    return IsHeld(key, TakenButtons, TakenModifiers, user.keyDown) ? heldState : 0;
 }
 
 SHORT WINAPI GetAsyncKeyState(int key)
@@ -284,14 +300,14 @@ SHORT WINAPI GetAsyncKeyState(int key)
     PresentAll();
     // The state is read before the events are collected: when it says that a button is up, its release and every
     // position before that are in the queue and in the history.
-    bool held = IsHeld(key, host->buttons(), host->modifiers(), user.keyDownNow);
+    bool held = IsHeldNow(key);
     CollectEvents(0);
     PollTime& previous = lastPoll[key & 0xFF];
     const auto now = std::chrono::steady_clock::now();
     if (user.collected == previous.collected && now - previous.time < std::chrono::microseconds(pollMicroseconds)) {
         // A loop that polls for nothing new leaves the processor to others for a moment.
         host->pump(1);
-        held = IsHeld(key, host->buttons(), host->modifiers(), user.keyDownNow);
+        held = IsHeldNow(key);
         CollectEvents(0);
     }
     previous.time = std::chrono::steady_clock::now();

@@ -111,7 +111,7 @@ def first_session(journey):
     journey.answer(palette, "Escape")
     journey.expect_view(place, art, "without the palette the map shows its art")
     journey.save()
-    journey.expect_soon(lambda: journey.read(NAME) == data.to_bytes(), "the saved file holds exactly what was painted")
+    journey.expect_saved(NAME, data, "the saved file holds exactly what was painted")
     journey.picture("session_4_saved")
     journey.expect(journey.quit() == 0, "the program ends with status 0")
 

@@ -52,9 +52,7 @@ def flicks(journey):
 
     journey.answer(palette, "Escape")
     journey.save()
-    journey.expect_soon(
-        lambda: journey.read("Map160c.dat") == data.to_bytes(), "the file holds the cells of all positions"
-    )
+    journey.expect_saved("Map160c.dat", data, "the file holds the cells of all positions")
     journey.expect(journey.quit() == 0, "the program ends with status 0")
 
 

@@ -8,6 +8,7 @@ import subprocess
 import sys
 import time
 
+from support.mapfiles import find_difference
 from support.screen import Display, Pixels, wait_until
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
@@ -110,7 +111,7 @@ class Journey:
         window = self.wait_window(title=TITLE)
         self.map_window_number = window.number
         if not self.expect_soon(lambda: self.is_active(window), "the program's window has the keyboard at once", 3):
-            self.click(window.left + window.width // 2, window.top + 300)
+            self.click(window.left + window.width // 2, window.top - 8)
         self.wait_active(window)
 
     def wait_exit(self, timeout=10):
@@ -307,6 +308,21 @@ class Journey:
 
         top = wait_until(search, "the map's picture in its window")
         return MapPlace(window.left, top, window.width, window.top + window.height - top, h, v)
+
+    def expect_saved(self, name, data, claim):
+        """Expects the file to hold the map, to the byte, before long."""
+        difference = "there is no file"
+
+        def is_saved():
+            nonlocal difference
+            if os.path.exists(self.path(name)):
+                difference = find_difference(data, self.read(name))
+            return difference is None
+
+        try:
+            wait_until(is_saved, claim, 5)
+        except TimeoutError:
+            self.expect(False, "%s: %s" % (claim, difference))
 
     # ---- pixels ----
 

@@ -69,9 +69,9 @@ def open_errors(journey):
 
     (no_art,) = try_map(journey, "Map101c.dat", [MESSAGE])
     try_map(journey, "Map099c.dat", [NAMING_RULE])
+    (empty,) = try_map(journey, "Map123c.dat", [MESSAGE])
     (damaged,) = try_map(journey, "Map121c.dat", [MESSAGE])
     width, height, unreadable = try_map(journey, "Map122c.dat", [MESSAGE, MESSAGE, MESSAGE])
-    (empty,) = try_map(journey, "Map123c.dat", [MESSAGE])
     journey.expect(damaged == unreadable == empty, "a header that cannot be read has one message")
     journey.expect(
         all(first != second for first, second in ((no_art, damaged), (width, height), (height, damaged))),

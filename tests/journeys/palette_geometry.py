@@ -24,11 +24,12 @@ def expect_frame(journey, window, view, art, name):
         (left + 1, top + 40, (0x77,) * 3),
         (left + 3, top + 100, (0x33,) * 3),
         (left + 40, top + 18, (0x33,) * 3),
-        (left + 60, bottom - 1, (0x11,) * 3),
-        (left + 60, bottom - 2, (0x33,) * 3),
-        (left + 60, bottom - 4, (0xAA,) * 3),
-        (right - 1, top + 100, (0x11,) * 3),
-        (right - 4, top + 100, (0xAA,) * 3),
+        (left + 60, bottom, (0x11,) * 3),
+        (left + 60, bottom - 1, (0x33,) * 3),
+        (left + 60, bottom - 3, (0xAA,) * 3),
+        (right, top + 100, (0x11,) * 3),
+        (right - 1, top + 100, (0x33,) * 3),
+        (right - 3, top + 100, (0xAA,) * 3),
         (left + 6, top + 22, OLIVE),
     ]
     for x, y, colour in probes:

@@ -53,7 +53,7 @@ def quit_questions(journey):
     data = new_map_data(170, 600, 500)
     open_and_paint(journey, art, data)
     journey.expect(journey.quit(saves=True) == 0, "Save ends the program with status 0")
-    journey.expect(journey.read(NAME) == data.to_bytes(), "Save writes the map")
+    journey.expect_saved(NAME, data, "Save writes the map")
     journey.expect(journey.read(NAME + "_old") == original, "Save keeps the old file as the backup")
 
     journey.start()

@@ -101,12 +101,13 @@ int Start()
     }
     UseUtf8Locale();
     qInstallMessageHandler(KeepQtQuiet);
-    QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
     QCoreApplication::setApplicationName(QString::fromLatin1(name));
     QApplication::setDesktopSettingsAware(false);
     QApplication::setStyle(new Style);
     application = new QApplication(argumentCount, arguments);
+    // Every position that the pointer reports is wanted. Making the application object turns this on.
+    QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
     std::setlocale(LC_NUMERIC, "C"); // the program's own number formats
     SetLook();
     QApplication::setQuitOnLastWindowClosed(false);
@@ -196,6 +197,7 @@ void Pump(int waitMilliseconds)
     QCoreApplication::processEvents(QEventLoop::AllEvents);
     if (waitMilliseconds <= 0 || !events.empty())
         return;
+    FlushDisplay();
     waiting = true;
     waitTimer->start(waitMilliseconds);
     while (events.empty() && waitTimer->isActive())

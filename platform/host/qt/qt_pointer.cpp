@@ -50,8 +50,7 @@ QPoint ToServer(int x, int y)
         screen = QGuiApplication::primaryScreen();
     const QPoint corner = screen->geometry().topLeft();
     const double scale = screen->devicePixelRatio();
-    return QPoint(corner.x() + static_cast<int>(std::floor((x - corner.x()) * scale)),
-                  corner.y() + static_cast<int>(std::floor((y - corner.y()) * scale)));
+    return QPoint(corner.x() + qRound((x - corner.x()) * scale), corner.y() + qRound((y - corner.y()) * scale));
 }
 
 template <size_t count>
@@ -88,10 +87,10 @@ QPoint ToLogical(int x, int y)
             y < area.y() + area.height() * scale)
             holder = screen;
     }
+    // Rounded as Qt rounds the positions in its events, so that a poll and an event agree.
     const QPoint corner = holder->geometry().topLeft();
     const double scale = holder->devicePixelRatio();
-    return QPoint(corner.x() + static_cast<int>(std::floor((x - corner.x()) / scale)),
-                  corner.y() + static_cast<int>(std::floor((y - corner.y()) / scale)));
+    return QPoint(corner.x() + qRound((x - corner.x()) / scale), corner.y() + qRound((y - corner.y()) / scale));
 }
 
 unsigned HostButtonsOf(Qt::MouseButtons buttons)

@@ -124,8 +124,8 @@ void QueueWheel(Window* window, const QWheelEvent* event)
         return;
     window->wheelRest -= whole;
     HostEvent out = EventOfNow(hostWheel, window);
-    out.screenX = static_cast<int>(event->globalPosition().x());
-    out.screenY = static_cast<int>(event->globalPosition().y());
+    out.screenX = event->globalPosition().toPoint().x();
+    out.screenY = event->globalPosition().toPoint().y();
     out.modifiers = HostModifiersOf(event->modifiers());
     out.delta = whole;
     QueueEvent(out);

@@ -9,7 +9,6 @@
 #include <QWindow>
 
 #include <algorithm>
-#include <cmath>
 
 #include "platform/host/qt/qt_internal.h"
 #include "platform/host/qt/qt_server.h"
@@ -125,8 +124,8 @@ class ClientArea : public QWidget {
         HostEvent out = {};
         out.kind = kind;
         out.token = window->token;
-        out.screenX = static_cast<int>(std::floor(event->globalPosition().x()));
-        out.screenY = static_cast<int>(std::floor(event->globalPosition().y()));
+        out.screenX = event->globalPosition().toPoint().x();
+        out.screenY = event->globalPosition().toPoint().y();
         out.button = static_cast<int>(button);
         out.buttons = HostButtonsOf(event->buttons());
         out.modifiers = HostModifiersOf(event->modifiers());
@@ -224,6 +223,14 @@ void SettlePlace(Window* window, QPoint asked)
         QueueGeometry(window);
 }
 
+// Where no window manager does it, nobody else hands the keyboard back when a pop-up that has it goes away.
+void ReturnFocus(const Window* window)
+{
+    QWidget* owner = window->top->parentWidget();
+    if (window->kind == hostPopupWindow && owner && owner->isVisible() && window->top->isActiveWindow())
+        owner->activateWindow();
+}
+
 } // namespace
 
 HostWindow* CreateWindow(const HostWindowRequest* request, void* token)
@@ -268,6 +275,7 @@ void DestroyWindow(HostWindow* handle)
 {
     Window* window = FromHandle(handle);
     ReleaseCaptureOf(window);
+    ReturnFocus(window);
     window->placing = true;
     std::erase(windows, window);
     // Pop-ups would go with their owner's widget; they belong to the program until it destroys them.
@@ -319,12 +327,13 @@ void ShowWindow(HostWindow* handle, int how)
     Window* window = FromHandle(handle);
     if (how == hostHide) {
         ReleaseCaptureOf(window);
+        ReturnFocus(window);
         window->top->hide();
         WaitUntilWithdrawn(window->top->windowHandle());
         return;
     }
-    // A pop-up never takes the focus. Whether the framed window gets it when it is not activated is the window manager's
-    // choice, which gives it to a program that the user has just started.
+    // A pop-up never takes the focus. Whether the framed window gets it when it is not activated is the window
+    // manager's choice, which gives it to a program that the user has just started.
     const bool quietly = window->kind == hostPopupWindow;
     const bool wasHidden = !window->top->isVisible();
     const QPoint asked = window->top->pos();

@@ -45,9 +45,28 @@ class MapData:
         return header + self.text + b"\0" + struct.pack("<%dH" % len(self.cells), *self.cells)
 
 
-def read_map(path):
-    with open(path, "rb") as file:
-        return MapData(file.read())
+def find_difference(data, saved):
+    """Where a saved file's bytes depart from the map that it should hold, as a text; None when it is that map."""
+    if saved == data.to_bytes():
+        return None
+    try:
+        found = MapData(saved)
+    except (ValueError, struct.error) as error:
+        return "it is no map data: %s" % error
+    for name in HEADER_WORDS:
+        if found.header[name] != data.header[name]:
+            return "%s is %d, not %d" % (name, found.header[name], data.header[name])
+    if found.text != data.text:
+        return "the text is %r, not %r" % (found.text, data.text)
+    wrong = [i for i, word in enumerate(data.cells) if found.cells[i] != word]
+    row, column = divmod(wrong[0], data.columns)
+    return "%d cells differ; (%d, %d) is 0x%04X, not 0x%04X" % (
+        len(wrong),
+        column,
+        row,
+        found.cells[wrong[0]],
+        data.cells[wrong[0]],
+    )
 
 
 def new_map_data(map_id, width, height, easting=0, northing=0, version=100):
