@@ -1,6 +1,6 @@
 # Everything a newcomer needs: make run, make test, make build. Each installs what is missing first (as root on Debian).
 
-.PHONY: run test build bench install-packages format check clean
+.PHONY: run test build bench install-packages format lint check clean
 
 build: install-packages
 	cmake --preset release
@@ -23,6 +23,11 @@ install-packages:
 
 format:
 	git ls-files '*.cpp' '*.h' | xargs clang-format -i
+
+# The layout that clang-format gives, and clang-tidy over every source that the release build compiles.
+lint: build
+	git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
+	python3 tools/run_clang_tidy.py build
 
 check:
 	python3 tools/check_tree.py

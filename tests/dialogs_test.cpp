@@ -357,6 +357,24 @@ TEST_F(DialogsTest, AFullFieldTakesNoKeyAtAll)
     EXPECT_EQ(dialog->activeEditItem, field);
 }
 
+TEST_F(DialogsTest, AFieldThatTheProgramSelectsKeepsTheTypedCountOfTheOneBefore)
+{
+    MakeDialog();
+    DialogItem* first = AddEditField(10, "1", 105, true);
+    DialogItem* second = AddEditField(100, "100", 106, true);
+    ShowDialog();
+    ActivateEditItem(dialog, first);
+    ScriptText("5");
+    NextReport();
+    SelectEditItem(dialog, 106, 0);
+    ScriptKey(VK_BACK);
+    NextReport();
+    EXPECT_STREQ(second->text, "10") << "one key counts as typed";
+    ScriptKey(VK_BACK);
+    NextReport();
+    EXPECT_STREQ(second->text, "") << "and now none does";
+}
+
 TEST_F(DialogsTest, TheActiveFieldIsRedAndTheOthersTan)
 {
     MakeDialog();

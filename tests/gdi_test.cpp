@@ -369,6 +369,21 @@ TEST(Gdi, MemoryContextHoldsOneBitmapAtATime)
     EXPECT_EQ(CreateCompatibleBitmap(picture.dc, INT32_MAX, INT32_MAX), nullptr);
 }
 
+TEST(Gdi, LargeBitmapsAreBlackToTheirLastPixel)
+{
+    for (SIZE size : {SIZE{511, 513}, SIZE{600, 600}, SIZE{1024, 1023}, SIZE{2048, 1024}, SIZE{16384, 130}}) {
+        HDC memory = CreateCompatibleDC(nullptr);
+        HBITMAP bitmap = CreateCompatibleBitmap(memory, size.cx, size.cy);
+        HGDIOBJ displaced = SelectObject(memory, bitmap);
+        EXPECT_EQ(GetPixel(memory, size.cx - 1, size.cy - 1), RGB(0, 0, 0));
+        Fill(memory, {0, 0, size.cx, size.cy}, RGB(1, 2, 3));
+        EXPECT_EQ(GetPixel(memory, size.cx - 1, size.cy - 1), RGB(1, 2, 3));
+        SelectObject(memory, displaced);
+        EXPECT_TRUE(DeleteObject(bitmap));
+        DeleteDC(memory);
+    }
+}
+
 TEST(Gdi, PackedBitmapOfTheResourcesIsShown)
 {
     struct {

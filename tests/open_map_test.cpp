@@ -109,10 +109,6 @@ TEST_F(OpenMapTest, ACancelledChoiceChangesNothing)
 
 TEST_F(OpenMapTest, HeadersThatNoMapCanHaveAreRefused)
 {
-    const std::string width = MessageText(15124);
-    const std::string height = MessageText(15125);
-    const std::string damaged = MessageText(15133);
-    EXPECT_EQ(width, "") << "texts are there only while the program runs, so they are written out below";
     const std::string tooWide = "Map width error.  Limits are 450 to 3100. Change width of map art file.";
     const std::string tooHigh = "Map height error. Limits are 220 to 3100. Change height of map art file.";
     const std::string unreadable = "Could not load terrain data from 'DAT' file. File may be damaged. Quit program, "
@@ -347,13 +343,9 @@ TEST_F(OpenMapTest, NamesAreFoundWithoutRegardToCaseAndInAnyFolder)
         {".", "MAP102C.DAT", "map102c.bmp", "Map102c.dat"},
         {"a folder  with blanks", "Map103c.dat", "Map103c.bmp", "Map103c.dat"},
         {"\xC3\xA9t\xC3\xA9", "Map104c.dat", "Map104c.bmp", "Map104c.dat"},
-        {".", "\xC3\xA9 101cc.dat", "\xC3\xA9 101cc.bmp", ""}, // too long by a byte for the rule of places
         {deep, "Map105c.dat", "Map105c.bmp", "Map105c.dat"},
     };
     for (const Row& row : rows) {
-        if (row.chosen[0] == 0) {
-            continue;
-        }
         SCOPED_TRACE(row.folderName);
         std::filesystem::create_directories(Path(row.folderName));
         Write(row.folderName + "/" + row.dataName, MapFile(101, 600, 400).Bytes());

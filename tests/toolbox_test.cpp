@@ -237,19 +237,44 @@ class TrailTest : public ToolboxTest {
 
 TEST_F(TrailTest, AFlickThatIsOverBeforeTheFirstLookGivesEveryPosition)
 {
-    Move(150, 200); // before the press, in the same millisecond
+    // All in one millisecond, or after a rest before the press and the release.
+    for (const int rest : {0, 1}) {
+        SCOPED_TRACE(rest);
+        Move(150, 200, 30);
+        Move(10, 10);
+        Press(10, 10, rest);
+        Move(20, 10);
+        Move(30, 12);
+        Move(20, 10);
+        Move(40, 18);
+        ScriptRelease(rest);
+        Move(90, 30);
+        Move(95, 30);
+        EXPECT_EQ(Follow(), "20,10 30,12 20,10 40,18 ");
+        const std::vector<EventRecord> events = TakeEvents(mUpMask);
+        ASSERT_EQ(events.size(), 1u) << "the release stays in the queue";
+        EXPECT_EQ(events[0].what, mouseUp);
+    }
+}
+
+TEST_F(TrailTest, PositionsOfOneMillisecondMayArriveOneByOne)
+{
+    static int given;
+    Host slowHost = headlessHost;
+    slowHost.pump = [](int wait) {
+        given = 0;
+        headlessHost.pump(wait);
+    };
+    slowHost.nextEvent = [](HostEvent* event) { return given++ == 0 ? headlessHost.nextEvent(event) : 0; };
+    host = &slowHost;
     Press(10, 10);
-    Move(20, 10);
-    Move(30, 12);
-    Move(20, 10);
-    Move(40, 18);
-    ScriptRelease(0);
+    for (const int h : {20, 30, 40, 30, 20, 30, 50})
+        Move(h, 10);
+    ScriptRelease(200);
     Move(90, 30);
-    Move(95, 30);
-    EXPECT_EQ(Follow(), "20,10 30,12 20,10 40,18 ");
-    const std::vector<EventRecord> events = TakeEvents(mUpMask);
-    ASSERT_EQ(events.size(), 1u) << "the release stays in the queue";
-    EXPECT_EQ(events[0].what, mouseUp);
+    EXPECT_EQ(Follow(), "20,10 30,10 40,10 30,10 20,10 30,10 50,10 ");
+    TakeEvents();
+    host = &headlessHost;
 }
 
 TEST_F(TrailTest, PositionsBetweenTwoLooksAreGivenOnceAndInOrder)
@@ -276,11 +301,12 @@ TEST_F(TrailTest, NothingOfAfterTheReleaseIsUsed)
         SCOPED_TRACE(delay);
         Press(10, 10, 5);
         Move(20, 10, 8 + delay);
-        Move(45, 10, 1);
+        Move(33, 10, 1);
+        Move(45, 10);
         ScriptRelease(0);
-        Move(300, 10, 0);
+        Move(300, 10);
         Move(310, 10, 1);
-        EXPECT_EQ(Follow(), "20,10 45,10 ");
+        EXPECT_EQ(Follow(), "20,10 33,10 45,10 ");
         TakeEvents();
     }
 }
@@ -303,13 +329,19 @@ TEST_F(TrailTest, ThePointersPlaceCountsWhereNoMoveWasReported)
     Press(10, 10);
     ASSERT_TRUE(TakePress());
     BeginPointerTrail(&currentEvent);
-    const ScriptPoint place = OnScreen(70, 80);
-    SetCursorPos(place.x, place.y);
+    Host silentHost = headlessHost; // its pointer moves without a word
+    silentHost.pointer = [](int* x, int* y) {
+        const ScriptPoint place = OnScreen(70, 80);
+        *x = place.x;
+        *y = place.y;
+    };
+    host = &silentHost;
     Point point = {};
     for (int i = 0; i < 2; i++) { // and the last position is given again while the button is held
         EXPECT_EQ(NextTrailPoint(&point), 1);
         EXPECT_TRUE(EqualPt(point, {80, 70}));
     }
+    host = &headlessHost;
     ScriptRelease();
     TakeEvents();
 }

@@ -1,11 +1,12 @@
-// Ports, rectangles, pens, colours, lines, fills and text. Everything without a device context among its arguments draws
-// into the current port and reads its colours. Nothing here reports failure. Only toolbox/ turns our rectangles and
-// points into the platform's.
+// Ports, rectangles, pens, colours, lines, fills and text. Everything without a device context among its arguments
+// draws into the current port and reads its colours. Nothing here reports failure. Only toolbox/ turns our rectangles
+// and points into the platform's.
 #pragma once
 
 #include "toolbox/types.h"
 
-// One for every window, dialog and offscreen surface; in a zero-filled movable memory block, locked for its whole life.
+// One for every window, dialog and offscreen surface; in a zero-filled movable memory block, locked for its whole
+// life.
 struct PortRecord {
     HWND window; // null for an offscreen surface
     HDC dc;
@@ -100,8 +101,9 @@ void ClipRect(const Rect* rect); // does nothing
 void DrawString(const char* text);
 void DrawStringOpaque(const char* text);
 int StringWidth(const char* text);
-// Word-wrapped text: justification 1 centred, -1 right, else left. textPlusOne is the address one byte past the text's
-// start, length is not used. Fills rect with the port's background colour; the text starts 4 pixels further right.
+// Word-wrapped text: justification 1 centred, -1 right, else left. textPlusOne is the address one byte past the
+// text's start, length is not used. Fills rect with the port's background colour; the text starts 4 pixels further
+// right.
 void TextBox(const char* textPlusOne, int length, const Rect* rect, int justification);
 // The height that TextBox needs for a zero-terminated text in a rectangle of that width with the port's font.
 int TextBoxHeight(const char* text, int width);

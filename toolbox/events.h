@@ -55,7 +55,7 @@ int StillDown();
 // Follows the pointer while a button press lasts: every position that the system reported since the press, also those
 // between two polls, and none after the release. BeginPointerTrail with the press's event; each NextTrailPoint stores
 // the next position in the current port's coordinates and returns 1; when nothing new was reported it stores the last
-// one again; 0 when the button is up and every position was given. A press of the right button acts on one place only:
-// 0 at once.
+// one again; 0 when the button is up and every position was given. A press of the right button acts on one place
+// only: 0 at once.
 void BeginPointerTrail(const EventRecord* press);
 int NextTrailPoint(Point* point);

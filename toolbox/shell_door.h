@@ -1,6 +1,7 @@
-// The one door upwards. The Toolbox, the dialogs, the map files and the editing tools call back into the shell: a window
-// procedure scrolls the map, a modal dialog dispatches a menu command, a palette repaints the map window. Those calls,
-// and the shell's state that all layers read, are declared here and defined in app/; nothing else is called upwards.
+// The one door upwards. The Toolbox, the dialogs, the map files and the editing tools call back into the shell: a
+// window procedure scrolls the map, a modal dialog dispatches a menu command, a palette repaints the map window.
+// Those calls, and the shell's state that all layers read, are declared here and defined in app/; nothing else is
+// called upwards.
 #pragma once
 
 #include "toolbox/events.h"
@@ -68,13 +69,13 @@ void MakeVersionText(char* text);
 
 // ---- the map window ----
 
-void PaintMapWindow();                                          // the invalid part, now
-void InvalidateMapRect(const Rect* rect);                       // map coordinates; null for everything
-void InvalidateWindowRect(WindowPtr window, const Rect* rect);  // map coordinates for the map window
-void ScrollMap(int updateBars, int dh, int dv);                 // clamped to the map
-int HandleMapKey(uint32_t key);                                 // 1 when the key was one of its own
-int HandleContentClick();                                       // the current event; 1 when it took the click
-void CopyMapImageToView();                                      // and the background where the map ends
+void PaintMapWindow();                                         // the invalid part, now
+void InvalidateMapRect(const Rect* rect);                      // map coordinates; null for everything
+void InvalidateWindowRect(WindowPtr window, const Rect* rect); // map coordinates for the map window
+void ScrollMap(int updateBars, int dh, int dv);                // clamped to the map
+int HandleMapKey(uint32_t key);                                // 1 when the key was one of its own
+int HandleContentClick();                                      // the current event; 1 when it took the click
+void CopyMapImageToView();                                     // and the background where the map ends
 void DrawStatusStrip();
 void SetStatusText(int redraw, int list, int index, const char* text);
 void ClearStatusText();

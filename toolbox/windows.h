@@ -1,5 +1,5 @@
-// Windows in the Toolbox's style, over the platform's: made by kind number, found by part code, dragged and grown with an
-// outline, invalidated through the current port.
+// Windows in the Toolbox's style, over the platform's: made by kind number, found by part code, dragged and grown
+// with an outline, invalidated through the current port.
 #pragma once
 
 #include "toolbox/drawing.h"
@@ -9,9 +9,9 @@ enum WindowPart { inDesk = 0, inMenuBar = 1, inSysWindow = 2, inContent = 3, inD
 // The window's record, from its first extra word; null for windows that have none.
 WindowPtr WindowRecord(HWND window);
 
-// bounds: the wanted client area on the screen, all zero to let the platform choose. behind: -1 for in front of all, a
-// window, or null. Kinds: 0 and 2 pop-up, 99 the map window, 997 to 999 child windows, any other a plain window. The
-// last two words are not used. Null when the window or its record could not be made.
+// bounds: the wanted client area on the screen, all zero to let the platform choose. behind: -1 for in front of all,
+// a window, or null. Kinds: 0 and 2 pop-up, 99 the map window, 997 to 999 child windows, any other a plain window.
+// The last two words are not used. Null when the window or its record could not be made.
 WindowPtr NewWindow(const char* className, WindowPtr parent, const Rect* bounds, const char* title, int visible,
                     int kind, WindowPtr behind, int hasCloseBox, intptr_t referenceValue);
 #define FRONT_WINDOW (reinterpret_cast<WindowPtr>(static_cast<intptr_t>(-1)))
@@ -40,9 +40,9 @@ void KeepOnTop(WindowPtr window);
 // Draws the rectangle's outline on the screen, or removes the one that is there.
 void ScreenOutline(const Rect* rect);
 
-// Ties a record and its window together (the window's first extra word) and fills it in: device context, initial objects,
-// text alignment, black on white, plain Arial 10, palette, content and port rectangle. Shared with the dialog manager,
-// which then sets its own font and colours.
+// Ties a record and its window together (the window's first extra word) and fills it in: device context, initial
+// objects, text alignment, black on white, plain Arial 10, palette, content and port rectangle. Shared with the
+// dialog manager, which then sets its own font and colours.
 void PrepareWindowPort(WindowPtr port, HWND window);
 // Puts the initial objects back, deletes the displaced ones, frees the record and clears the window's word (on
 // WM_DESTROY). The map window becomes the current port when the record was it. None is ignored.

@@ -114,7 +114,7 @@ class Gallery:
         journey.xdotool("key", "Escape")
         wait_until(lambda: not any(each.overrides for each in journey.windows()), "the end of the menu")
 
-    def contact_sheet(self, path, width=1500, gap=22, caption_height=20):
+    def contact_sheet(self, path, width=1680, gap=22, caption_height=20):
         """All pictures on one page: rows of them, the tallest first, each above its caption."""
         x, y, row, words = gap, gap, 0, []
         for caption, file, w, h in sorted(self.sheet, key=lambda each: -each[3]):
@@ -125,7 +125,7 @@ class Gallery:
             x, row = x + w + gap, max(row, h)
         size = "%dx%d" % (width, y + row + caption_height + gap)
         text = ["-font", CAPTION_FONT, "-pointsize", 13, "-fill", "#303030"]
-        convert("-size", size, "xc:#dfe3e6", *text, *words, *FEW_COLOURS, *PNG, path)
+        convert("-size", size, "-depth", 8, "xc:#dfe3e6", *text, *words, "-depth", 8, *FEW_COLOURS, *PNG, path)
 
 
 def callouts(places):
@@ -433,7 +433,7 @@ def start_desktop():
     for name in ("WAYLAND_DISPLAY", "XAUTHORITY", "DBUS_SESSION_BUS_ADDRESS", "PULSE_SERVER", "XDG_CURRENT_DESKTOP",
                  "QT_QPA_PLATFORM", "QT_QPA_PLATFORMTHEME", "QT_STYLE_OVERRIDE", "QT_SCALE_FACTOR", "QT_FONT_DPI"):
         os.environ.pop(name, None)
-    home = os.path.join(FOLDER, "mapmaker")
+    home = os.path.join(FOLDER, "home")
     pixels = os.path.join(FOLDER, "pixels")
     for folder in (home, pixels):
         os.makedirs(folder, mode=0o700)

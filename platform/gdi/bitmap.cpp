@@ -8,29 +8,57 @@
 // ---- memory ----
 
 constexpr size_t pageBlockSize = 1 << 20;
-// From here on the system is asked for huge pages: the first touch of a large picture costs far less.
-constexpr size_t hugeBlockSize = 8 << 20;
+// From here on a block is made of whole huge pages where the system has them, because most of what a large picture
+// costs is the first touch of its pages.
+constexpr size_t hugeBlockSize = 4 << 20;
+constexpr size_t hugePageSize = 2 << 20;
+// Pixels begin so far behind the start of a page: copying between addresses that differ by a few bytes beyond whole
+// pages is slow on many processors, and blocks of the heap begin some bytes behind one.
+constexpr size_t pageSkew = 1024;
+
+static size_t MappedLength(size_t size)
+{
+    const size_t length = size + pageSkew;
+    return length < hugeBlockSize ? length : (length + hugePageSize - 1) / hugePageSize * hugePageSize;
+}
+
+static uint8_t* MapPages(size_t length)
+{
+    const size_t spare = length < hugeBlockSize ? 0 : hugePageSize;
+    void* mapped = mmap(nullptr, length + spare, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (mapped == MAP_FAILED)
+        return nullptr;
+    uint8_t* bytes = static_cast<uint8_t*>(mapped);
+    if (spare > 0) {
+        // Keeps the part that begins at a huge page.
+        const size_t before = hugePageSize - reinterpret_cast<uintptr_t>(bytes) % hugePageSize;
+        munmap(bytes, before);
+        if (before < spare)
+            munmap(bytes + before + length, spare - before);
+        bytes += before;
+        madvise(bytes, length, MADV_HUGEPAGE);
+    }
+    return bytes;
+}
 
 bool AllocateBlock(PixelBlock* block, size_t size)
 {
-    void* bytes = nullptr;
-    if (size >= pageBlockSize) {
-        bytes = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-        if (bytes == MAP_FAILED)
-            return false;
-        if (size >= hugeBlockSize)
-            madvise(bytes, size, MADV_HUGEPAGE);
-    } else {
-        bytes = calloc(size, 1);
+    *block = {nullptr, 0};
+    if (size < pageBlockSize) {
+        block->bytes = static_cast<uint8_t*>(calloc(size, 1));
+    } else if (size < SIZE_MAX / 2) {
+        uint8_t* pages = MapPages(MappedLength(size));
+        block->bytes = pages ? pages + pageSkew : nullptr;
     }
-    *block = {static_cast<uint8_t*>(bytes), size};
-    return bytes != nullptr;
+    if (block->bytes)
+        block->size = size;
+    return block->bytes != nullptr;
 }
 
 void FreeBlock(PixelBlock* block)
 {
     if (block->size >= pageBlockSize)
-        munmap(block->bytes, block->size);
+        munmap(block->bytes - pageSkew, MappedLength(block->size));
     else
         free(block->bytes);
     *block = {nullptr, 0};

@@ -63,7 +63,8 @@ def palette_geometry(journey):
     journey.picture("palette_features")
 
     grip = (palette.left + 60, palette.top + 9)
-    journey.drag([grip, (grip[0] + 3, grip[1] + 2), (grip[0] + 120, grip[1] + 60), (grip[0] + 211, grip[1] + 137)], pause=HAND)
+    path = [grip, (grip[0] + 3, grip[1] + 2), (grip[0] + 120, grip[1] + 60), (grip[0] + 211, grip[1] + 137)]
+    journey.drag(path, pause=HAND)
     journey.expect_soon(
         lambda: journey.find_window(size=FEATURES).left == 236, "the palette follows its title bar to 236"
     )
@@ -85,7 +86,7 @@ def palette_geometry(journey):
     expect_frame(journey, costs, view, art, "the move-cost palette")
     journey.expect_view(view, art, "no move cost is marked at first", holes=[costs])
     journey.picture("palette_move_costs")
-    journey.drag([(costs.left + 60, costs.top + 9), (costs.left + 200, costs.top + 100), (100, 300)], pause=HAND)
+    journey.drag([(costs.left + 60, costs.top + 9), (costs.left + 200, costs.top + 100), (100, 300)])  # in no time
     journey.expect_soon(lambda: journey.find_window(size=MOVE_COSTS).left == 40, "the move-cost palette is dragged")
     costs = journey.wait_window(size=MOVE_COSTS)
     expect_place(journey, costs, (40, 291), "the move-cost palette is where it was dragged")

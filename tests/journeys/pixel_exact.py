@@ -69,6 +69,34 @@ def scroll_by_bars(journey, place, art):
     journey.expect_view(place, art, "the left arrow goes back by 20")
 
 
+def drag_frame(journey, by_h, by_v):
+    """Drags the lower right corner of the window manager's frame."""
+    window = journey.map_window()
+    corner = (window.left + window.width - 8, window.top + window.height + 3)
+    steps = [(corner[0] + by_h * i // 4, corner[1] + by_v * i // 4) for i in range(5)]
+    journey.drag(steps, pause=HAND)
+    journey.settle()
+    return journey.map_window()
+
+
+def size_by_frame(journey, place, art):
+    largest = (place.width, place.height)
+    window = drag_frame(journey, -70, -90)
+    journey.expect(window.width == largest[0] - 70, "the frame makes the window narrower, %d" % window.width)
+    place = journey.place_of_map(art)
+    journey.expect(place.height == largest[1] - 90, "the frame makes the window lower, %d" % place.height)
+    journey.expect_view(place, art, "the map fills the window that was sized by its frame")
+    expect_furniture(journey, place, "after sizing by the frame")
+    journey.keys("Right", "Down")
+    place.h, place.v = 600 - place.view_width, 400 - place.view_height
+    journey.expect_view(place, art, "the sized window scrolls to the far corner")
+    drag_frame(journey, 300, 300)
+    place = journey.place_of_map(art)
+    journey.expect((place.width, place.height) == largest, "the frame never grows beyond the map")
+    journey.expect_view(place, art, "the map is shown whole again")
+    expect_furniture(journey, place, "after sizing back")
+
+
 def pixel_exact(journey):
     art = make_map(journey, 130, WIDTH, HEIGHT)
     small_art = make_map(journey, 131, 600, 400)
@@ -139,6 +167,7 @@ def pixel_exact(journey):
     journey.keys("Right", "Down")
     journey.settle()
     journey.expect_view(place, small_art, "a map that is all in view does not scroll")
+    size_by_frame(journey, place, small_art)
     journey.expect(journey.quit() == 0, "the program ends with status 0")
 
     journey.start()

@@ -4,13 +4,13 @@ import os
 
 from journey import run
 from support import model
-from support.mapfiles import HI_LOW, coded_art, new_map_data, write_bitmap, write_map
+from support.mapfiles import HI_LOW, MapData, coded_art, new_map_data, write_bitmap, write_map
 
 SAVE_QUESTION, QUIT_QUESTION = (240, 70), (200, 70)
 NAME = "Map170c.dat"
 
 
-def open_and_paint(journey, art, data):
+def open_and_paint(journey, art, data, closes_palette=True):
     """Opens the map and paints one cell, which makes unsaved work."""
     journey.start()
     journey.open_map(NAME)
@@ -23,7 +23,8 @@ def open_and_paint(journey, art, data):
     left, top = place.on_screen(point)
     marked = data.cell(45, 35) & HI_LOW != 0
     journey.expect_soon(lambda: (journey.shot().pixel(left, top) == (255, 0, 0)) == marked, "a click paints a cell")
-    journey.answer(palette, "Escape")
+    if closes_palette:
+        journey.answer(palette, "Escape")
 
 
 def quit_questions(journey):
@@ -69,10 +70,17 @@ def quit_questions(journey):
     journey.expect(journey.quit() == 0, "Yes ends the program with status 0")
 
     saved = journey.read(NAME)
-    open_and_paint(journey, art, data)
+    open_and_paint(journey, art, MapData(saved))
     journey.display.ask_to_close(journey.map_window())
     journey.expect(journey.wait_exit() == 0, "a close request ends the program with status 0 and asks nothing")
     journey.expect(journey.read(NAME) == saved, "a close request writes nothing")
+
+    open_and_paint(journey, art, MapData(saved), closes_palette=False)
+    journey.expect(journey.quit(saves=False) == 0, "No Save ends the program also with a palette open")
+    open_and_paint(journey, art, MapData(saved), closes_palette=False)
+    journey.display.ask_to_close(journey.map_window())
+    journey.expect(journey.wait_exit() == 0, "a close request ends the program also with a palette open")
+    journey.expect(journey.read(NAME) == saved, "neither writes anything")
 
     journey.start()
     journey.display.ask_to_close(journey.map_window())

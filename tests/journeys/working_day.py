@@ -8,6 +8,8 @@ from support import model
 from support.mapfiles import HI_LOW, ROAD, TOWN, WOODS, coded_art, new_map_data, write_bitmap
 
 WIDTH, HEIGHT = 855, 625
+FEATURES, MOVE_COSTS = (300, 255), (285, 210)
+FILL_QUESTIONS = {FEATURES: (190, 40), MOVE_COSTS: (130, 40)}
 FEATURE_BOXES = {WOODS: (19, 64), TOWN: (19, 80), ROAD: (19, 96)}
 NO_GO_BOXES = {1: (19, 147), 2: (19, 163), 4: (19, 179)}
 COST_BOXES = {0: (19, 50), 1: (19, 66), 2: (19, 82), 3: (19, 98), 4: (19, 114), 6: (19, 130)}
@@ -38,7 +40,7 @@ def new_map(journey, art):
 
 def paint_terrain(journey, place, data):
     journey.keys("ctrl+t")
-    palette = journey.wait_window(size=(300, 255))
+    palette = journey.wait_window(size=FEATURES)
     strokes = [
         (None, model.feature_brush(HI_LOW), (405, 105), (605, 185)),
         (FEATURE_BOXES[WOODS], model.feature_brush(WOODS), (415, 155), (595, 155)),
@@ -64,7 +66,7 @@ def paint_terrain(journey, place, data):
 def fill(journey, place, data, palette, brush, start, end, button, key="alt"):
     """Selects an area with Alt and the pointer and chooses Fill."""
     journey.drag_on_map(place, [start] + model.line(start, end, 20), key)
-    question = journey.wait_window(size=(190 if button[0] > 60 else 130, 40))
+    question = journey.wait_window(size=FILL_QUESTIONS[palette.size()])
 
     wanted = (10 * ((max(start[0], end[0]) + 1) // 10), 10 * ((max(start[1], end[1]) + 1) // 10))
     bottom_right = place.on_screen(wanted)
@@ -84,7 +86,7 @@ def fill(journey, place, data, palette, brush, start, end, button, key="alt"):
 
 def paint_costs(journey, place, data):
     journey.keys("ctrl+m")
-    palette = journey.wait_window(size=(285, 210))
+    palette = journey.wait_window(size=MOVE_COSTS)
     for code, (start, end) in {
         1: ((355, 45), (555, 45)),
         2: ((355, 65), (555, 65)),
