@@ -1,6 +1,7 @@
 #include "app/map_views.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "app/commands.h"
 #include "app/map_window.h"
@@ -98,8 +99,8 @@ void CopyNoGoTile(TerrainCell cell, const Rect& place)
     CopyFromInterfaceBitmap(view.mapImage, &tile, &place);
 }
 
-// Fills the row's squares, or their first height pixel rows, neighbours of one ground together.
-void FillRowGround(int row, int height, const AnalysisBrushes& brushes)
+// Fills the squares of a row, neighbours of one ground together.
+void FillRowGround(int row, const AnalysisBrushes& brushes)
 {
     const int columns = currentMap.record.columnCount;
     int start = 0;
@@ -110,60 +111,85 @@ void FillRowGround(int row, int height, const AnalysisBrushes& brushes)
             end++;
         }
         if (ground >= 0) {
-            Rect stretch = CellsRect(start, end, row);
-            stretch.bottom = static_cast<int16_t>(stretch.top + height);
+            const Rect stretch = CellsRect(start, end, row);
             FillRectBrush(&stretch, brushes.ground[ground]);
         }
         start = end;
     }
 }
 
-// Copies the first pixel row of a row of cells to the nine below it, which is faster than filling each square.
-void SpreadFirstPixelRow(int row)
+// A bitmap with one pixel for each cell, in the colour of its ground. Null when a cell shows the art, or on failure.
+HBITMAP CreateGroundBitmap()
 {
-    Rect source = CellsRect(0, currentMap.record.columnCount, row);
-    for (int done = 1; done < cellSize; done *= 2) {
-        Rect target = source;
-        target.top = static_cast<int16_t>(source.top + done);
-        target.bottom = static_cast<int16_t>(source.top + std::min(2 * done, cellSize));
-        CopyBits(view.mapImage->dc, view.mapImage->dc, &source, &target, 0, nullptr);
+    const int columns = currentMap.record.columnCount;
+    const int rows = currentMap.record.rowCount;
+    struct {
+        BITMAPINFOHEADER header;
+        RGBQUAD colours[groundCount];
+    } info = {};
+    info.header.biSize = sizeof info.header;
+    info.header.biWidth = columns;
+    info.header.biHeight = -rows; // from the top down
+    info.header.biPlanes = 1;
+    info.header.biBitCount = 8;
+    info.header.biClrUsed = groundCount;
+    for (int i = 0; i < groundCount; i++) {
+        const COLORREF colour = groundColours[i];
+        info.colours[i] = {GetBValue(colour), GetGValue(colour), GetRValue(colour), 0};
     }
-}
-
-void DrawRowGround(int row, const AnalysisBrushes& brushes)
-{
-    bool keepsArt = false;
-    bool hasTiles = false;
-    for (int column = 0; column < currentMap.record.columnCount; column++) {
-        const int ground = GroundOf(currentMap.cellColumns[column][row]);
-        keepsArt = keepsArt || ground == artGround;
-        hasTiles = hasTiles || ground == tileGround;
-    }
-    if (keepsArt) {
-        FillRowGround(row, cellSize, brushes);
-    } else {
-        FillRowGround(row, 1, brushes);
-        SpreadFirstPixelRow(row);
-    }
-    for (int column = 0; hasTiles && column < currentMap.record.columnCount; column++) {
-        const TerrainCell cell = currentMap.cellColumns[column][row];
-        if (GroundOf(cell) == tileGround) {
-            CopyNoGoTile(cell, CellsRect(column, column + 1, row));
+    const size_t rowBytes = static_cast<size_t>(columns + 3) / 4 * 4;
+    std::vector<BYTE> pixels(rowBytes * static_cast<size_t>(rows));
+    for (int column = 0; column < columns; column++) {
+        for (int row = 0; row < rows; row++) {
+            const int ground = GroundOf(currentMap.cellColumns[column][row]);
+            if (ground == artGround) {
+                return nullptr;
+            }
+            // A tile will cover its square, whatever colour that has.
+            pixels[static_cast<size_t>(row) * rowBytes + static_cast<size_t>(column)] =
+                static_cast<BYTE>(std::max<int>(ground, roadGround));
         }
     }
+    return CreateDIBitmap(shell.mapWindowDC, &info.header, CBM_INIT, pixels.data(),
+                          reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS);
+}
+
+// All squares with one stretching copy where every cell has a ground, which is much faster than one fill after
+// another.
+void DrawGround(const AnalysisBrushes& brushes)
+{
+    const int columns = currentMap.record.columnCount;
+    const int rows = currentMap.record.rowCount;
+    const HBITMAP ground = CreateGroundBitmap();
+    if (ground == nullptr) {
+        for (int row = 0; row < rows; row++) {
+            FillRowGround(row, brushes);
+        }
+        return;
+    }
+    const HDC source = CreateCompatibleDC(shell.mapWindowDC);
+    const HGDIOBJ displaced = SelectObject(source, ground);
+    SetStretchBltMode(view.mapImage->dc, COLORONCOLOR);
+    StretchBlt(view.mapImage->dc, 0, 0, columns * cellSize, rows * cellSize, source, 0, 0, columns, rows, SRCCOPY);
+    SelectObject(source, displaced);
+    DeleteDC(source);
+    DeleteObject(ground);
 }
 
 void DrawRowMarks(int row, const AnalysisBrushes& brushes)
 {
     for (int column = 0; column < currentMap.record.columnCount; column++) {
         const TerrainCell cell = currentMap.cellColumns[column][row];
-        if ((cell & (cellWoods | cellTown | cellHiLow)) == 0) {
+        if ((cell & (cellWoods | cellTown | cellHiLow | cellNoGoMask)) == 0) {
             continue;
         }
         const Rect place = CellsRect(column, column + 1, row);
         Rect centre = place;
         OutsetRect(&centre, -markInset, -markInset);
-        const bool showsTile = (cell & cellRoad) == 0 && (cell & cellNoGoMask) != 0;
+        const bool showsTile = GroundOf(cell) == tileGround;
+        if (showsTile) {
+            CopyNoGoTile(cell, place);
+        }
         if ((cell & cellWoods) && !showsTile) {
             FillRectBrush(&centre, brushes.woods);
         }
@@ -188,8 +214,8 @@ void RenderTerrainAnalysis()
     uintptr_t savedDevice;
     GetGWorld(&savedPort, &savedDevice);
     SetGWorld(view.mapImage, 0);
+    DrawGround(brushes);
     for (int row = 0; row < currentMap.record.rowCount; row++) {
-        DrawRowGround(row, brushes);
         DrawRowMarks(row, brushes);
     }
     SetPort(savedPort);

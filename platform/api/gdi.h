@@ -124,6 +124,13 @@ int WINAPI GetObjectA(HANDLE object, int size, LPVOID record);
 BOOL WINAPI BitBlt(HDC destination, int x, int y, int width, int height, HDC source, int sourceX, int sourceY,
                    DWORD operation);
 
+#define COLORONCOLOR 3
+// Only COLORONCOLOR, which leaves pixels out or repeats them; it is what StretchBlt does here in any case.
+int WINAPI SetStretchBltMode(HDC dc, int mode);
+// Only between different device contexts, not mirrored, and from inside the source.
+BOOL WINAPI StretchBlt(HDC destination, int x, int y, int width, int height, HDC source, int sourceX, int sourceY,
+                       int sourceWidth, int sourceHeight, DWORD operation);
+
 // ---- palettes ----
 
 typedef struct tagPALETTEENTRY {

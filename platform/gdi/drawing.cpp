@@ -6,8 +6,8 @@ void FillDeviceRect(HDC dc, Surface* surface, const RECT& area, uint32_t pixel)
 {
     ForEachVisiblePart(dc, surface, area, [=](const RECT& part) {
         uint32_t* row = PixelAddress(surface, part.left, part.top);
-        for (int y = part.top; y < part.bottom; ++y, row += surface->stride)
-            std::fill(row, row + (part.right - part.left), pixel);
+        for (LONG y = part.top; y < part.bottom; y++, row += surface->stride)
+            FillPixels(row, part.right - part.left, pixel);
     });
 }
 

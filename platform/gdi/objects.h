@@ -5,6 +5,7 @@
 #include "platform/gdi/surface.h"
 
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
 enum class ObjectType { pen, brush, bitmap, font, palette, region };
@@ -207,6 +208,23 @@ void ForEachVisiblePart(HDC dc, Surface* surface, const RECT& area, Draw draw)
 inline uint32_t* PixelAddress(Surface* surface, int x, int y)
 {
     return surface->pixels + static_cast<ptrdiff_t>(y) * surface->stride + x;
+}
+
+// Most fills are of a few pixels, so a row is a handful of stores of four pixels, the last of which overlaps the one
+// before it; a general fill would spend its time on finding out how to begin.
+inline void FillPixels(uint32_t* pixels, LONG count, uint32_t pixel)
+{
+    constexpr LONG blockSize = 4;
+    const uint32_t block[blockSize] = {pixel, pixel, pixel, pixel};
+    if (count < blockSize) {
+        for (LONG i = 0; i < count; i++)
+            pixels[i] = pixel;
+        return;
+    }
+    const LONG lastBlock = count - blockSize;
+    for (LONG i = 0; i < lastBlock; i += blockSize)
+        memcpy(pixels + i, block, sizeof block);
+    memcpy(pixels + lastBlock, block, sizeof block);
 }
 
 // Fills an area in device coordinates.

@@ -1,4 +1,4 @@
-"""A first editing session on a sample map: open, paint, scroll, save, quit; every pixel and every byte in its place."""
+"""A first editing session on a sample map: open, paint, scroll, save, quit; every pixel and byte in its place."""
 
 import os
 import shutil
@@ -70,12 +70,13 @@ def first_session(journey):
 
     start = middle(find_cell(data, False, range(40, 60), range(40, 50)))
     path = [start] + model.line(start, (start[0] + 180, start[1] + 60))
-    journey.expect(len(paint(journey, place, data, model.feature_brush(WOODS), path)) > 15, "a stroke sets many cells")
+    reached = paint(journey, place, data, model.feature_brush(WOODS), path)
+    journey.expect(len(reached) > 15, "the model's stroke reaches many cells")
     journey.expect_view(place, art, "a stroke adds woods", marks(), holes)
 
     start = middle(find_cell(data, True, range(40, 70), range(5, 30)))
-    path = [start] + model.line(start, (start[0] + 100, start[1] + 40)) + model.line(
-        (start[0] + 100, start[1] + 40), (start[0] + 20, start[1] + 90))
+    bend = (start[0] + 100, start[1] + 40)
+    path = [start] + model.line(start, bend) + model.line(bend, (start[0] + 20, start[1] + 90))
     paint(journey, place, data, model.feature_brush(WOODS), path)
     journey.expect_view(place, art, "a stroke from a wooded cell takes woods away", marks(), holes)
 

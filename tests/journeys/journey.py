@@ -116,7 +116,7 @@ class Journey:
 
     def wait_exit(self, timeout=10):
         """The program's exit status."""
-        status = wait_until(lambda: self.process.poll() is not None, "the program's end", timeout)
+        wait_until(lambda: self.process.poll() is not None, "the program's end", timeout)
         status = self.process.returncode
         self.process = None
         return status
@@ -141,7 +141,8 @@ class Journey:
         return None
 
     def wait_window(self, title=None, size=None, timeout=10):
-        return wait_until(lambda: self.find_window(title, size), "a window %s" % (title or "of %d x %d" % size), timeout)
+        wanted = title or "of %d x %d" % size
+        return wait_until(lambda: self.find_window(title, size), "a window " + wanted, timeout)
 
     def is_active(self, window=None):
         """Whether keys reach that window, or any of the program's."""
@@ -294,7 +295,7 @@ class Journey:
             self.keys("Return")
         return self.wait_exit()
 
-    def place_of_map(self, art, h=0, v=0, client_height=None):
+    def place_of_map(self, art, h=0, v=0):
         """Finds the client area by the art in it; the map point (h, v) stands in its corner."""
         window = self.map_window()
         wanted = [art.rows[v + i][4 * h : 4 * (h + 300)] for i in range(3)]
@@ -327,8 +328,8 @@ class Journey:
     # ---- pixels ----
 
     def find_fault(self, place, art, marks, holes):
-        """The first pixel of the view that is not the map's (or a mark's), as a text; None when all are right. Windows
-        on top are left out. The grow box reaches two pixels into the view."""
+        """The first pixel of the view that is not the map's (or a mark's), as a text; None when all are right.
+        Windows on top are left out. The grow box reaches two pixels into the view."""
         shot = self.shot()
         background = bytes(GREY_192) + b"\0"
         for y in range(place.view_height):

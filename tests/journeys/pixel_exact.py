@@ -87,7 +87,7 @@ def size_by_frame(journey, place, art):
     journey.expect(place.height == largest[1] - 90, "the frame makes the window lower, %d" % place.height)
     journey.expect_view(place, art, "the map fills the window that was sized by its frame")
     expect_furniture(journey, place, "after sizing by the frame")
-    journey.keys("Right", "Down")
+    journey.keys("Right", "Down", "Down")
     place.h, place.v = 600 - place.view_width, 400 - place.view_height
     journey.expect_view(place, art, "the sized window scrolls to the far corner")
     drag_frame(journey, 300, 300)
@@ -106,7 +106,8 @@ def pixel_exact(journey):
     journey.open_map("Map130c.dat")
     place = journey.place_of_map(art)
     max_h, max_v = WIDTH - place.view_width, HEIGHT - place.view_height
-    journey.expect(place.left + place.width <= 1280 and place.top + place.height <= 1024, "the window fits the screen")
+    fits = place.left + place.width <= 1280 and place.top + place.height <= 1024
+    journey.expect(fits, "the window fits the screen")
     journey.expect_view(place, art, "the large map shows its top-left corner")
     expect_furniture(journey, place, "after opening")
     journey.picture("pixels_opened")
@@ -161,7 +162,8 @@ def pixel_exact(journey):
     journey.start()
     journey.open_map("Map131c.dat")
     place = journey.place_of_map(small_art)
-    journey.expect((place.width, place.height) == (600 + BAR_WIDTH, 400 + BELOW_VIEW), "the window fits the small map")
+    fitting = (600 + BAR_WIDTH, 400 + BELOW_VIEW)
+    journey.expect((place.width, place.height) == fitting, "the window fits the small map")
     journey.expect_view(place, small_art, "the small map is shown whole")
     expect_furniture(journey, place, "around the small map")
     journey.keys("Right", "Down")

@@ -1,6 +1,6 @@
 #!/bin/sh
 # run_journey.sh NAME OUTPUT_FOLDER: runs one journey of the real program on a private virtual display with a window
-# manager, and leaves its maps and screenshots in the folder. The status is the journey's; 124 when it ran out of time.
+# manager, and leaves its maps and screenshots in the folder. The status is the journey's; 124 when time ran out.
 set -u
 here=$(cd "$(dirname "$0")" && pwd)
 name=$1

@@ -135,7 +135,8 @@ def switch_views(journey, place, data, art):
     expect_pixels(journey, place, probes, "the terrain analysis")
     journey.picture("day_4_views")
     journey.keys("F8")
-    expect_pixels(journey, place, [((2, 2), art.pixel(2, 2)), ((455, 355), art.pixel(455, 355))], "F8 brings the art back")
+    probes = [(point, art.pixel(*point)) for point in ((2, 2), (455, 355))]
+    expect_pixels(journey, place, probes, "F8 brings the art back")
     journey.choose(place, VIEW_MENU, 1)
     journey.expect_view(place, art, "the grid goes again")
 

@@ -123,7 +123,7 @@ def write_bitmap(path, art):
     size = 54 + stride * art.height
     with open(path, "wb") as file:
         file.write(struct.pack("<2sI2HI", b"BM", size, 0, 0, 54))
-        file.write(struct.pack("<I2i2H6I", 40, art.width, art.height, 1, 24, 0, stride * art.height, 2835, 2835, 0, 0))
+        file.write(struct.pack("<I2i2H6I", 40, art.width, art.height, 1, 24, 0, size - 54, 2835, 2835, 0, 0))
         for row in reversed(art.rows):
             line = bytearray(stride)
             for channel in range(3):

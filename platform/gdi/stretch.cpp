@@ -1,0 +1,53 @@
+// Stretching blits: every source pixel becomes a block, or is left out, without mixing colours.
+#include "platform/gdi/objects.h"
+
+#include <vector>
+
+// Where each source pixel begins among the destination's, and where the last one ends.
+static std::vector<LONG> Boundaries(LONG begin, int sourceSize, int destinationSize)
+{
+    std::vector<LONG> boundaries;
+    for (int i = 0; i <= sourceSize; i++)
+        boundaries.push_back(begin + static_cast<LONG>(static_cast<int64_t>(i) * destinationSize / sourceSize));
+    return boundaries;
+}
+
+int WINAPI SetStretchBltMode(HDC dc, int mode)
+{
+    return dc && mode == COLORONCOLOR ? COLORONCOLOR : 0;
+}
+
+BOOL WINAPI StretchBlt(HDC destination, int x, int y, int width, int height, HDC source, int sourceX, int sourceY,
+                       int sourceWidth, int sourceHeight, DWORD operation)
+{
+    PixelRows rows;
+    if (!destination || !source || operation != SRCCOPY || !SourceRows(source, &rows) || destination == source)
+        return FALSE;
+    const int left = DeviceX(source, sourceX);
+    const int top = DeviceY(source, sourceY);
+    if (width <= 0 || height <= 0 || sourceWidth <= 0 || sourceHeight <= 0 || left < 0 || top < 0 ||
+        sourceWidth > rows.width - left || sourceHeight > rows.height - top)
+        return FALSE;
+    Surface* surface = DrawingSurface(destination);
+    if (!surface)
+        return TRUE;
+
+    const RECT area = DeviceRect(destination, {x, y, x + width, y + height});
+    const std::vector<LONG> columns = Boundaries(area.left, sourceWidth, width);
+    const std::vector<LONG> lines = Boundaries(area.top, sourceHeight, height);
+    std::vector<uint32_t> colours(static_cast<size_t>(sourceWidth));
+    for (size_t row = 0; row + 1 < lines.size(); row++) {
+        ConvertRow(colours.data(), rows, left, top + static_cast<int>(row), sourceWidth);
+        const RECT band = {area.left, lines[row], area.right, lines[row + 1]};
+        ForEachVisiblePart(destination, surface, band, [&](const RECT& part) {
+            for (LONG line = part.top; line < part.bottom; line++) {
+                uint32_t* pixels = PixelAddress(surface, 0, line);
+                for (size_t i = 0; i < colours.size(); i++) {
+                    const LONG from = std::max(part.left, columns[i]);
+                    FillPixels(pixels + from, std::min(part.right, columns[i + 1]) - from, colours[i]);
+                }
+            }
+        });
+    }
+    return TRUE;
+}
