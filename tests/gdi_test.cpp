@@ -321,7 +321,7 @@ TEST(Gdi, BlitCopiesWhatBothHoldAtEveryEdge)
 
 TEST(Gdi, OverlappingBlitKeepsTheSource)
 {
-    const RECT twoHalves[] = {{0, 0, 12, 4}, {0, 4, 12, 9}};
+    const RECT twoHalves[] = {{0, 0, 12, 5}, {0, 5, 12, 9}};
     for (bool clipped : {false, true})
         for (int dx : {-3, 0, 2})
             for (int dy : {-2, 0, 1}) {
