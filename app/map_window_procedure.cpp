@@ -167,21 +167,8 @@ void ForgetWindow()
         return;
     }
     DestroyScrollBars();
-    if (shell.programPalette != nullptr) {
-        SelectPalette(shell.mapWindowDC, shell.mapWindow->initialPalette, FALSE);
-    }
-    const WindowPtr port = shell.mapWindow;
-    const HGDIOBJ font = SelectObject(port->dc, port->initialFont);
-    if (font != port->initialFont) {
-        DeleteObject(font);
-    }
-    const HGDIOBJ pen = SelectObject(port->dc, port->initialPen);
-    if (pen != port->initialPen) {
-        DeleteObject(pen);
-    }
     shell.mapWindowDC = nullptr;
-    port->window = nullptr;
-    port->dc = nullptr;
+    DetachWindowPort(shell.mapWindow);
 }
 
 } // namespace

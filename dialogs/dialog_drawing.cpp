@@ -203,6 +203,15 @@ void DrawDefaultFrame(const DialogItem* item)
     }
 }
 
+// Selects an object and deletes the one that it displaces, unless that is the port's initial one.
+void PutObjectBack(HDC dc, HGDIOBJ object, HGDIOBJ initial)
+{
+    const HGDIOBJ displaced = SelectObject(dc, object);
+    if (displaced != initial && displaced != object) {
+        DeleteObject(displaced);
+    }
+}
+
 } // namespace
 
 void BeginDrawing(WindowPtr port, SavedDrawing* saved)
@@ -235,14 +244,6 @@ void EndDrawing(const SavedDrawing* saved)
     port->fontSize = saved->fontSize;
     port->fontStyle = saved->fontStyle;
     SetPort(saved->previousPort);
-}
-
-void PutObjectBack(HDC dc, HGDIOBJ object, HGDIOBJ initial)
-{
-    const HGDIOBJ displaced = SelectObject(dc, object);
-    if (displaced != initial && displaced != object) {
-        DeleteObject(displaced);
-    }
 }
 
 void DrawTextInBox(const char* text, const Rect* rect, COLORREF textColour, COLORREF backColour, int size, int style,

@@ -89,17 +89,6 @@ DialogItem* AddStandardButton(WindowPtr dialog, int left, int top, int right, in
     return AddPushButton(dialog, left, top, right, bottom, text, itemID);
 }
 
-// When the system closes the map window its dialogs go with it. The record stays, without a window, until the owner's
-// loop ends and disposes of it.
-void LoseWindow(WindowPtr dialog)
-{
-    PutObjectBack(dialog->dc, dialog->initialFont, dialog->initialFont);
-    PutObjectBack(dialog->dc, dialog->initialPen, dialog->initialPen);
-    SetWindowLongPtrA(dialog->window, 0, 0);
-    dialog->window = nullptr;
-    dialog->dc = nullptr;
-}
-
 DialogItem* FindItem(WindowPtr dialog, int32_t itemID, int number)
 {
     return itemID != 0 ? FindItemByID(dialog, itemID) : FindItemByNumber(dialog, number);
@@ -322,8 +311,9 @@ LRESULT CALLBACK DialogWindowProcedure(HWND window, UINT message, WPARAM wParam,
         }
         break;
     case WM_DESTROY:
+        // When the system closes the map window its dialogs go with it; their owners' loops end and dispose of them.
         if (dialog != nullptr) {
-            LoseWindow(dialog);
+            DetachWindowPort(dialog);
         }
         break;
     case WM_ERASEBKGND:

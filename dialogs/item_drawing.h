@@ -25,9 +25,6 @@ struct SavedDrawing {
 void BeginDrawing(WindowPtr port, SavedDrawing* saved);
 void EndDrawing(const SavedDrawing* saved);
 
-// Selects an object and deletes the one that it displaces, unless that is the port's initial one.
-void PutObjectBack(HDC dc, HGDIOBJ object, HGDIOBJ initial);
-
 // Text in rect on a background, in the current port with font 3. justification as of TextBox.
 void DrawTextInBox(const char* text, const Rect* rect, COLORREF textColour, COLORREF backColour, int size, int style,
                    int justification);

@@ -140,11 +140,8 @@ void PrepareWindowPort(WindowPtr port, HWND window)
     RefreshContentRect(port);
 }
 
-void ReleaseWindowPort(WindowPtr port)
+void DetachWindowPort(WindowPtr port)
 {
-    if (port == nullptr) {
-        return;
-    }
     if (port->dc != nullptr) {
         if (port->initialPalette != nullptr) {
             SelectPalette(port->dc, port->initialPalette, FALSE);
@@ -157,5 +154,14 @@ void ReleaseWindowPort(WindowPtr port)
     if (port->window != nullptr) {
         SetWindowLongPtrA(port->window, 0, 0);
     }
-    FreePortRecord(port);
+    port->window = nullptr;
+    port->dc = nullptr;
+}
+
+void ReleaseWindowPort(WindowPtr port)
+{
+    if (port != nullptr) {
+        DetachWindowPort(port);
+        FreePortRecord(port);
+    }
 }
