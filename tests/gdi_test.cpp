@@ -338,6 +338,32 @@ TEST(Gdi, OverlappingBlitKeepsTheSource)
             }
 }
 
+TEST(Gdi, StretchingRepeatsPixelsAndStaysInsideClipAndSurface)
+{
+    Picture source(3, 2);
+    Picture target(12, 9);
+    Fill(source.dc, {1, 0, 2, 1}, RGB(255, 0, 0));
+    Fill(source.dc, {2, 1, 3, 2}, RGB(0, 0, 255));
+
+    // Three pixels to seven columns: the second one has columns 2 and 3 of them, the third one 4 to 6.
+    EXPECT_TRUE(StretchBlt(target.dc, 2, 1, 7, 4, source.dc, 0, 0, 3, 2, SRCCOPY));
+    const Rows redRows = {"............", "....##......", "....##......", "............", "............",
+                          "............", "............", "............", "............"};
+    EXPECT_EQ(target.Marks(red), redRows);
+    const Rows blueRows = {"............", "............", "............", "......###...", "......###...",
+                           "............", "............", "............", "............"};
+    EXPECT_EQ(target.Marks(blue), blueRows);
+
+    // Beyond every edge and through a clip rectangle nothing else changes.
+    const RECT clip = {3, 3, 5, 5};
+    SetClipOfDC(target.dc, &clip, 1);
+    EXPECT_TRUE(StretchBlt(target.dc, -10, -10, 40, 40, source.dc, 1, 0, 1, 1, SRCCOPY));
+    ClearClipOfDC(target.dc);
+    EXPECT_EQ(target.Count(red), 4 + 4);
+    EXPECT_FALSE(StretchBlt(target.dc, 0, 0, 4, 4, source.dc, 1, 0, 3, 1, SRCCOPY)) << "more than the source has";
+    EXPECT_FALSE(StretchBlt(target.dc, 0, 0, -4, 4, source.dc, 0, 0, 3, 1, SRCCOPY)) << "mirrored";
+}
+
 TEST(Gdi, MemoryContextHoldsOneBitmapAtATime)
 {
     Picture picture(8, 8);

@@ -1,6 +1,7 @@
 // Stretching blits: every source pixel becomes a block, or is left out, without mixing colours.
 #include "platform/gdi/objects.h"
 
+#include <cstdlib>
 #include <vector>
 
 // Where each source pixel begins among the destination's, and where the last one ends.
@@ -25,7 +26,9 @@ BOOL WINAPI StretchBlt(HDC destination, int x, int y, int width, int height, HDC
         return FALSE;
     const int left = DeviceX(source, sourceX);
     const int top = DeviceY(source, sourceY);
-    if (width <= 0 || height <= 0 || sourceWidth <= 0 || sourceHeight <= 0 || left < 0 || top < 0 ||
+    constexpr int largest = 1 << 16;
+    if (width <= 0 || height <= 0 || width > largest || height > largest || std::abs(x) > largest ||
+        std::abs(y) > largest || sourceWidth <= 0 || sourceHeight <= 0 || left < 0 || top < 0 ||
         sourceWidth > rows.width - left || sourceHeight > rows.height - top)
         return FALSE;
     Surface* surface = DrawingSurface(destination);
