@@ -32,5 +32,8 @@ lint: build
 check:
 	python3 tools/check_tree.py
 
+screenshots: build
+	python3 tools/take_screenshots.py
+
 clean:
 	rm -rf build build-sanitize

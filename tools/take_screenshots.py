@@ -16,7 +16,7 @@ ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 sys.dont_write_bytecode = True
 sys.path.insert(0, os.path.join(ROOT, "tests", "journeys"))
 
-from journey import EDIT_MENU, FILE_MENU, HELP_MENU, SAMPLES, TITLE, VIEW_MENU, Journey  # noqa: E402
+from journey import EDIT_MENU, FILE_MENU, HELP_MENU, TITLE, VIEW_MENU, Journey  # noqa: E402
 from support import model  # noqa: E402
 from support import mapfiles  # noqa: E402
 from support.mapfiles import new_map_data, read_bitmap, write_map  # noqa: E402
@@ -24,6 +24,7 @@ from support.screen import wait_until  # noqa: E402
 
 # The file dialog shows this folder, so it is the same on every machine.
 FOLDER = os.path.join(tempfile.gettempdir(), "kestrel")
+SAMPLES = os.path.join(FOLDER, "samples")  # made anew: those of the build may have been painted on
 FILE_TIME = 1767259800  # the sample files' date in the file dialog
 FONT = "/usr/share/fonts/truetype/liberation/LiberationSans-Bold.ttf"
 CAPTION_FONT = "/usr/share/fonts/truetype/liberation/LiberationSans-Regular.ttf"
@@ -140,6 +141,8 @@ def callouts(places):
 
 
 def prepare_maps(journey):
+    os.mkdir(SAMPLES)
+    subprocess.run([os.path.join(ROOT, "build", "make_samples"), SAMPLES], check=True, timeout=120)
     for name in ("Map101c.dat", "Map101c.bmp", "Map102c.dat", "Map102c.bmp"):
         shutil.copy(os.path.join(SAMPLES, name), journey.maps)
         os.utime(journey.path(name), (FILE_TIME, FILE_TIME))

@@ -194,8 +194,11 @@ void ForgetEvents(const Window* window, const HostScrollBar* bar)
 
 void Pump(int waitMilliseconds)
 {
-    QCoreApplication::processEvents(QEventLoop::AllEvents);
-    if (waitMilliseconds <= 0 || !events.empty())
+    if (waitMilliseconds <= 0) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents);
+        return;
+    }
+    if (!events.empty())
         return;
     FlushDisplay();
     waiting = true;
