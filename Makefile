@@ -1,6 +1,6 @@
 # Everything a newcomer needs: make run, make test, make build. Each installs what is missing first (as root on Debian).
 
-.PHONY: run test build bench install-packages format lint check clean
+.PHONY: run test build bench install-packages format lint check screenshots clean
 
 build: install-packages
 	cmake --preset release

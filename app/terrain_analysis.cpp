@@ -180,19 +180,25 @@ void DrawRowMarks(int row, const AnalysisBrushes& brushes)
     }
 }
 
-// The squares of a row come from one stretching copy, which is much faster than one fill after another; without the
-// bitmap of the ground they are filled. Marks follow row by row, while the row is still in the processor's cache.
+// The squares come from stretching copies, which are much faster than one fill after another; without the bitmap of
+// the ground they are filled. A few rows at a time, so that their marks find them in the processor's cache.
 void DrawRows(HDC ground, const AnalysisBrushes& brushes)
 {
+    constexpr int rowsAtATime = 4;
     const int columns = currentMap.record.columnCount;
-    for (int row = 0; row < currentMap.record.rowCount; row++) {
+    const int rows = currentMap.record.rowCount;
+    for (int first = 0; first < rows; first += rowsAtATime) {
+        const int end = std::min(first + rowsAtATime, rows);
         if (ground != nullptr) {
-            StretchBlt(view.mapImage->dc, 0, row * cellSize, columns * cellSize, cellSize, ground, 0, row, columns, 1,
-                       SRCCOPY);
-        } else {
-            FillRowGround(row, brushes);
+            StretchBlt(view.mapImage->dc, 0, first * cellSize, columns * cellSize, (end - first) * cellSize, ground,
+                       0, first, columns, end - first, SRCCOPY);
         }
-        DrawRowMarks(row, brushes);
+        for (int row = first; row < end; row++) {
+            if (ground == nullptr) {
+                FillRowGround(row, brushes);
+            }
+            DrawRowMarks(row, brushes);
+        }
     }
 }
 

@@ -90,7 +90,7 @@ bool HandleStep(const Palette* palette, WindowPtr window, int32_t itemID)
     case mapClickCode:
         if (palette->hasTool()) {
             palette->stroke(window);
-        } else {
+        } else if (!HandleContentClick()) {
             SystemBeep();
         }
         break;

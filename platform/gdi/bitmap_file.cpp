@@ -1,5 +1,6 @@
 #include "platform/gdi/dib.h"
 #include "platform/kernel/paths.h"
+#include "platform/kernel/system_calls.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -154,7 +155,7 @@ static bool ReadAt(int file, uint64_t offset, uint8_t* bytes, size_t size)
 {
     size_t done = 0;
     while (done < size) {
-        ssize_t got = pread(file, bytes + done, size - done, static_cast<off_t>(offset + done));
+        ssize_t got = systemCalls.readAt(file, bytes + done, size - done, static_cast<off_t>(offset + done));
         if (got > 0)
             done += static_cast<size_t>(got);
         else if (got == 0 || errno != EINTR)
@@ -166,7 +167,7 @@ static bool ReadAt(int file, uint64_t offset, uint8_t* bytes, size_t size)
 static HBITMAP BitmapFromOpenFile(int file)
 {
     struct stat status;
-    if (fstat(file, &status) != 0 || !S_ISREG(status.st_mode))
+    if (systemCalls.statOpen(file, &status) != 0 || !S_ISREG(status.st_mode))
         return nullptr;
     const uint64_t fileSize = static_cast<uint64_t>(status.st_size);
     uint8_t head[headBytes];
@@ -199,11 +200,11 @@ HBITMAP BitmapFromFile(const char* path)
     // Without O_NONBLOCK opening a named pipe would wait for its other end.
     int file;
     do {
-        file = open(resolved, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+        file = systemCalls.open(resolved, O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0);
     } while (file < 0 && errno == EINTR);
     if (file < 0)
         return nullptr;
     HBITMAP bitmap = BitmapFromOpenFile(file);
-    close(file);
+    systemCalls.close(file);
     return bitmap;
 }

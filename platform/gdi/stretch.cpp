@@ -43,12 +43,12 @@ BOOL WINAPI StretchBlt(HDC destination, int x, int y, int width, int height, HDC
         ConvertRow(colours.data(), rows, left, top + static_cast<int>(row), sourceWidth);
         const RECT band = {area.left, lines[row], area.right, lines[row + 1]};
         ForEachVisiblePart(destination, surface, band, [&](const RECT& part) {
-            for (LONG line = part.top; line < part.bottom; line++) {
-                uint32_t* pixels = PixelAddress(surface, 0, line);
-                for (size_t i = 0; i < colours.size(); i++) {
-                    const LONG from = std::max(part.left, columns[i]);
-                    FillPixels(pixels + from, std::min(part.right, columns[i + 1]) - from, colours[i]);
-                }
+            for (size_t i = 0; i < colours.size(); i++) {
+                const LONG from = std::max(part.left, columns[i]);
+                const LONG count = std::min(part.right, columns[i + 1]) - from;
+                uint32_t* block = PixelAddress(surface, from, part.top);
+                for (LONG below = part.top; below < part.bottom; below++, block += surface->stride)
+                    FillPixels(block, count, colours[i]);
             }
         });
     }

@@ -154,7 +154,7 @@ HFILE OpenPath(LPCSTR path, int flags, bool readable, bool writable)
         SetErrorForPath(resolved, ERROR_READ_FAULT);
         return HFILE_ERROR;
     }
-    if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
+    if (systemCalls.statOpen(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
         systemCalls.close(descriptor);
         SetLastError(ERROR_ACCESS_DENIED);
         return HFILE_ERROR;

@@ -26,8 +26,8 @@ int RenameNoReplace(const char* from, const char* to)
     return renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE);
 }
 
-constexpr SystemCalls realSystemCalls = {OpenFile, close,  read, write,  lseek,          fsync,
-                                         StatFile, unlink, link, rename, RenameNoReplace};
+constexpr SystemCalls realSystemCalls = {OpenFile, close, read,   pread, write,  lseek,          fsync,
+                                         StatFile, fstat, unlink, link,  rename, RenameNoReplace};
 
 DWORD lastError = ERROR_SUCCESS;
 

@@ -9,10 +9,12 @@ struct SystemCalls {
     int (*open)(const char* path, int flags, mode_t mode);
     int (*close)(int descriptor);
     ssize_t (*read)(int descriptor, void* buffer, size_t count);
+    ssize_t (*readAt)(int descriptor, void* buffer, size_t count, off_t offset);
     ssize_t (*write)(int descriptor, const void* buffer, size_t count);
     off_t (*seek)(int descriptor, off_t offset, int from);
     int (*fsync)(int descriptor);
     int (*stat)(const char* path, struct stat* status);
+    int (*statOpen)(int descriptor, struct stat* status);
     int (*unlink)(const char* path);
     int (*link)(const char* from, const char* to);
     int (*rename)(const char* from, const char* to);

@@ -1,0 +1,15 @@
+// The entry of a fuzzer: hands each input to the one function that this program is built for.
+#include "fuzz/targets.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size)
+{
+    const std::string fault = KESTREL_FUZZ_FUNCTION(bytes, size);
+    if (!fault.empty()) {
+        std::fprintf(stderr, "fault: %s\n", fault.c_str());
+        std::abort();
+    }
+    return 0;
+}
