@@ -1,6 +1,6 @@
 # Everything a newcomer needs: make run, make test, make build. Each installs what is missing first (as root on Debian).
 
-.PHONY: run test build bench install-packages format lint check screenshots clean
+.PHONY: run test build bench package fuzz install-packages format lint check screenshots clean
 
 build: install-packages
 	cmake --preset release
@@ -17,6 +17,17 @@ test: build
 
 bench: build
 	build/kestrel-bench --benchmark_repetitions=7 --benchmark_report_aggregates_only=true
+
+# Runs each fuzzer for FUZZ_SECONDS (60); what it finds goes to build-fuzz/.
+fuzz: install-packages
+	cmake --preset fuzz
+	cmake --build --preset fuzz
+	tools/run_fuzzers.sh
+
+# The Debian package, checked: build/kestrel-map-tool_VERSION_ARCHITECTURE.deb
+package: build
+	tools/install_packages.sh packages-packaging.txt
+	tools/make_package.sh build
 
 install-packages:
 	tools/install_packages.sh
@@ -36,4 +47,4 @@ screenshots: build
 	python3 tools/take_screenshots.py
 
 clean:
-	rm -rf build build-sanitize
+	rm -rf build build-sanitize build-fuzz

@@ -23,10 +23,18 @@ Rect StatusStrip()
     return {static_cast<int16_t>(port.bottom - statusStripHeight), port.left, port.bottom, port.right};
 }
 
+// The map image begins at map point (0, 0), wherever a damaged record says that the map does.
+Rect MapImageRect()
+{
+    Rect image;
+    SetRect(&image, 0, 0, MapWidth(), MapHeight());
+    return image;
+}
+
 void FillBeyondMap()
 {
     const Rect& shown = view.viewRect;
-    const Rect& map = currentMap.record.mapRect;
+    const Rect map = MapImageRect();
     if (shown.right > map.right) {
         const Rect right = {shown.top, std::max(shown.left, map.right), shown.bottom, shown.right};
         FillRectColor(&right, shell.windowBackground);
@@ -35,6 +43,16 @@ void FillBeyondMap()
         const Rect below = {std::max(shown.top, map.bottom), shown.left, shown.bottom, shown.right};
         FillRectColor(&below, shell.windowBackground);
     }
+}
+
+void FillMapImage(COLORREF colour)
+{
+    WindowPtr savedPort;
+    GetPort(&savedPort);
+    SetPort(view.mapImage);
+    const Rect image = MapImageRect();
+    FillRectColor(&image, colour);
+    SetPort(savedPort);
 }
 
 } // namespace
@@ -76,7 +94,8 @@ void CopyMapImageToView()
         return;
     }
     Rect shown = view.viewRect;
-    if (ClipToBounds(&shown, &currentMap.record.mapRect)) {
+    const Rect image = MapImageRect();
+    if (ClipToBounds(&shown, &image)) {
         CopyBits(view.mapImage->dc, shell.mapWindowDC, &shown, &shown, 0, nullptr);
     }
     FillBeyondMap();
@@ -192,6 +211,9 @@ int16_t LoadMapArt()
     }
     BITMAP size = {};
     GetObjectA(art, sizeof size, &size);
+    if (size.bmWidth < MapWidth() || size.bmHeight < MapHeight()) {
+        FillMapImage(shell.windowBackground);
+    }
     const HDC source = CreateCompatibleDC(shell.mapWindowDC);
     const HGDIOBJ displaced = SelectObject(source, art);
     BitBlt(view.mapImage->dc, 0, 0, size.bmWidth, size.bmHeight, source, 0, 0, SRCCOPY);

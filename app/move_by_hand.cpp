@@ -109,6 +109,9 @@ void MoveMapWindowByHand(Point click)
     const bool grabbed = WaitForGrab(&grab);
     InitCursor();
     ClearStatusText();
+    if (!shell.mapShown) {
+        InvalidateMapRect(nullptr); // the grow box picture reaches above the strip
+    }
     if (grabbed) {
         CarryWindow(grab);
     }

@@ -7,6 +7,8 @@
 
 namespace {
 
+constexpr int textBaseline = 10; // below the top of a button's face, as in the button that is not pressed
+
 void DrawPressedButton(const DialogItem* item)
 {
     Rect outer = item->rect;
@@ -16,7 +18,12 @@ void DrawPressedButton(const DialogItem* item)
     OffsetRect(&face, 0, 1);
     FillRectColor(&outer, PALETTERGB(0, 0, 0));
     FillRectColor(&item->rect, PALETTERGB(0x11, 0x11, 0x11));
-    DrawTextInBox(item->text, &face, PALETTERGB(0, 0, 0), pressedFaceColour, 10, styleBold, 1);
+    FillRectColor(&face, pressedFaceColour);
+    // In one line: a bold text may be wider than the plain one that the button was made for.
+    SetPortFont(fontArial, 10, styleBold);
+    TextForeColor(PALETTERGB(0, 0, 0));
+    MoveTo((face.left + face.right - StringWidth(item->text)) / 2, face.top + textBaseline);
+    DrawString(item->text);
 }
 
 // The frame of a pressed button lies one pixel outside its rectangle.

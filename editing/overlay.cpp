@@ -263,9 +263,11 @@ void DrawFeatureCellMark(int x, int y, bool wasSet)
         const HBRUSH gridBrush = CreateSolidBrush(editing.gridColour);
         MarkFeatureCell(*cell, place, gridBrush);
         DeleteObject(gridBrush);
-    } else if (view.mapImage != nullptr && ClipToBounds(&place, &view.viewRect) &&
-               ClipToBounds(&place, &currentMap.record.mapRect)) {
-        CopyBits(view.mapImage->dc, shell.mapWindowDC, &place, &place, 0, nullptr);
+    } else if (view.mapImage != nullptr && ClipToBounds(&place, &view.viewRect)) {
+        FillRectColor(&place, shell.windowBackground); // stays where the cell reaches beyond the map
+        if (ClipToBounds(&place, &currentMap.record.mapRect)) {
+            CopyBits(view.mapImage->dc, shell.mapWindowDC, &place, &place, 0, nullptr);
+        }
     }
     SetPort(savedPort);
 }

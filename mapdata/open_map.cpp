@@ -13,6 +13,7 @@ namespace {
 
 int16_t ReadDataFile()
 {
+    currentMap.record = {}; // a file that ends early must not take over what an earlier attempt read
     if (ReadMapHeader(currentMap.openDataFile) != 0) {
         CloseMapDataFile();
         MessageAlert(0, 0, alertSound, 15000, 133, nullptr);

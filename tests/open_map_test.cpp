@@ -157,10 +157,11 @@ TEST_F(OpenMapTest, AFileCutInItsSizesIsRefusedAndOneCutLaterOpens)
     const std::string whole = map.Bytes();
     constexpr size_t sizesEnd = 17; // the high byte of 220 is 0 like the word that was there
     for (size_t length = 0; length < sizesEnd; length++) {
-        Write("Cut101" + std::to_string(10 + length) + ".dat", whole.substr(0, length));
-        Write("Cut101" + std::to_string(10 + length) + ".bmp", ArtBytes(450, 220));
-        // Nothing that such a file brought may help the next one over the limits.
-        OpenMap("Cut101" + std::to_string(10 + length) + ".dat");
+        // Each lies under its own name: nothing that a cut file brought may help the next one over the limits.
+        const std::string name = "Map" + std::to_string(200 + length) + "c.";
+        Write(name + "dat", whole.substr(0, length));
+        Write(name + "bmp", "not read");
+        OpenMap(name + "dat");
         ThenCheck([=] {
             EXPECT_EQ(TextsOf(TopDialog()), MessageText(15133)) << length;
         });
@@ -246,6 +247,11 @@ TEST_F(OpenMapTest, FilesThatCannotBeReadAreRefused)
         }
         return RealSystemCalls().read(descriptor, buffer, count);
     };
+    MapFile large(101, 600, 400); // more than the first read brings
+    large.words[columnsWord] = 310;
+    large.words[rowsWord] = 310;
+    large.cells.resize(310 * 310);
+    WriteMap(large);
     for (int good = 0; good < 2; good++) {
         readsBeforeFault = good;
         systemCalls.read = failingRead;

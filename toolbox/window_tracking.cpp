@@ -110,20 +110,20 @@ uint32_t GrowWindow(uintptr_t, uintptr_t, const Rect* limits)
     const Rect& content = shell.mapWindow->contentRect;
     const POINT anchor = MapPointOnScreen(content.left, content.top);
     POINT corner = MapPointOnScreen(content.right, content.bottom);
-    POINT last = {};
-    GetCursorPos(&last);
+    Point last = currentEvent.where;
+    GlobalToLocal(&last);
     bool outlineShown = false;
-    while (StillDown()) {
-        POINT pointer = {};
-        GetCursorPos(&pointer);
-        if (pointer.x == last.x && pointer.y == last.y) {
+    Point point = {};
+    BeginPointerTrail(&currentEvent);
+    while (NextTrailPoint(&point)) {
+        if (EqualPt(point, last)) {
             continue;
         }
-        last = pointer;
+        last = point;
         if (outlineShown) {
             GrowOutline(screen, anchor, corner);
         }
-        corner = LimitedCorner(anchor, pointer, limits);
+        corner = LimitedCorner(anchor, MapPointOnScreen(point.h, point.v), limits);
         GrowOutline(screen, anchor, corner);
         outlineShown = true;
     }

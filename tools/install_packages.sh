@@ -1,9 +1,10 @@
 #!/bin/sh
-# Installs the Debian packages of tools/packages.txt that are missing. Needs root only when something is missing.
+# install_packages.sh [LIST]: installs the Debian packages of a list in this folder (packages.txt) that are missing.
+# Needs root only when something is missing.
 set -eu
 cd "$(dirname "$0")"
 missing=""
-for package in $(grep -v '^#' packages.txt); do
+for package in $(grep -v '^#' "${1:-packages.txt}"); do
     if [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null || true)" != installed ]; then
         missing="$missing $package"
     fi

@@ -172,7 +172,7 @@ def before_a_map(journey, gallery):
     journey.wait_active(dialog)
     journey.type("Map102c.dat")
     journey.settle()
-    journey.xdotool("key", "Escape")  # closes the list of completions
+    journey.xdotool("key", "Escape", "Tab")  # closes the list of completions; no caret blinks in another field
     gallery.framed(dialog, "File > Open Map", "open-dialog")
     journey.answer(dialog, "Escape")
 
@@ -263,10 +263,8 @@ def has(word, bits, without=0):
 
 
 def analysis_samples(journey, gallery, place):
-    marks = mapfiles.WOODS | mapfiles.TOWN | mapfiles.HI_LOW
     tiled = mapfiles.NO_GO_MASK | mapfiles.ROAD
     sample_cells(journey, gallery, place, "analysis-", {
-        "road": lambda word: has(word, mapfiles.ROAD, marks),
         "woods": lambda word: has(word, mapfiles.WOODS, tiled | mapfiles.HI_LOW),
         "town": lambda word: has(word, mapfiles.TOWN, tiled | mapfiles.HI_LOW),
         "hi-low": lambda word: has(word, mapfiles.HI_LOW, tiled | mapfiles.WOODS),
@@ -299,7 +297,7 @@ def stroke(journey, place, corners, key=None):
 def features(journey, gallery, place):
     journey.keys("ctrl+t")
     palette = journey.wait_window(size=FEATURES_SIZE)
-    palette = drag_palette(journey, palette, 470, 330, FEATURES_SIZE)
+    palette = drag_palette(journey, palette, 490, 390, FEATURES_SIZE)
     gallery.window(palette, "Edit > Terrain", "palette-features")
     journey.click_in(palette, *WOODS)
     gallery.map_area(place, 0, 290, 240, 450, "marks-solid")

@@ -3,8 +3,10 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QProcess>
 #include <QStandardPaths>
+#include <QTreeView>
 
 #include <cstring>
 
@@ -17,16 +19,18 @@ int ChooseFile(const HostFileRequest* request, char* path, int size)
 {
     ReleaseHeldKeys();
     QWidget* owner = request->owner ? FromHandle(request->owner)->top : nullptr;
-    QString filter = QString::fromLatin1(request->filterText ? request->filterText : "");
-    const QString pattern = QString::fromLatin1(request->filterPattern ? request->filterPattern : "*");
+    QString filter = QString::fromUtf8(request->filterText ? request->filterText : "");
+    const QString pattern = QString::fromUtf8(request->filterPattern ? request->filterPattern : "*");
     if (!filter.contains(QLatin1Char('(') + pattern + QLatin1Char(')')))
         filter += QStringLiteral(" (%1)").arg(pattern);
 
-    QFileDialog dialog(owner, QString::fromLatin1(request->title ? request->title : ""),
+    QFileDialog dialog(owner, QString::fromUtf8(request->title ? request->title : ""),
                        QFile::decodeName(request->folder ? request->folder : ""));
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setNameFilter(filter);
+    if (auto* list = dialog.findChild<QTreeView*>())
+        list->header()->setSectionResizeMode(QHeaderView::ResizeToContents); // nothing elided
     const bool accepted = dialog.exec() == QDialog::Accepted;
     dialog.hide();
     if (owner)

@@ -42,6 +42,11 @@ class Bar : public QScrollBar {
     {
         setFocusPolicy(Qt::NoFocus);
         setContextMenuPolicy(Qt::PreventContextMenu);
+        // The style draws the groove after the window's colour and the thumb after the button's: told apart at a glance.
+        QPalette colours = palette();
+        colours.setColor(QPalette::Window, QColor(0xD8, 0xD8, 0xD8));
+        colours.setColor(QPalette::Button, QColor(0xA4, 0xAC, 0xB4));
+        setPalette(colours);
         setCursor(Qt::ArrowCursor);
         connect(this, &QAbstractSlider::actionTriggered, [this](int action) {
             const int code = CodeOf(action);

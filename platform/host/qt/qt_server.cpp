@@ -6,6 +6,7 @@
 #include <QtGui/qguiapplication_platform.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -128,6 +129,23 @@ void WaitUntilWithdrawn(const QWindow* window)
         QThread::msleep(1);
     }
     QCoreApplication::processEvents(QEventLoop::AllEvents);
+}
+
+void ClearServerTitle(const QWindow* window)
+{
+    if (!server || !window)
+        return;
+    // After what Qt has asked for on its own connection.
+    if (xcb_connection_t* connection = QtConnection())
+        std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    static const char* const names[] = {"_NET_WM_NAME", "_NET_WM_ICON_NAME", "WM_NAME", "WM_ICON_NAME"};
+    for (const char* name : names) {
+        const ReplyOf<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
+            server, xcb_intern_atom(server, 0, static_cast<uint16_t>(std::strlen(name)), name), nullptr));
+        if (atom)
+            xcb_delete_property(server, IdOf(window), atom->atom);
+    }
+    xcb_flush(server);
 }
 
 void SetDashedGround(WId window)

@@ -28,6 +28,8 @@ void FlushDisplay();
 // Window managers take their frame off a hidden window some time later, and what happens to the window's place
 // meanwhile is lost. Waits until it is off, but not for long.
 void WaitUntilWithdrawn(const QWindow* window);
+// Takes the name off a window to which Qt gives the program's for want of a title.
+void ClearServerTitle(const QWindow* window);
 // Gives a window diagonal dashes of black and white, which show on every ground, as what the server itself fills it
 // with.
 void SetDashedGround(WId window);

@@ -350,8 +350,11 @@ void ShowWindow(HostWindow* handle, int how)
     window->placing = window->kind == hostPopupWindow;
     WaitUntilShown(window);
     window->placing = false;
-    if (wasHidden && window->kind == hostPopupWindow)
+    if (wasHidden && window->kind == hostPopupWindow) {
         SettlePlace(window, asked);
+        if (window->top->windowTitle().isEmpty())
+            ClearServerTitle(window->top->windowHandle());
+    }
 }
 
 void RaiseWindow(HostWindow* handle)
@@ -398,8 +401,8 @@ void LimitSize(HostWindow* handle, int minWidth, int minHeight, int maxWidth, in
 
 void SetTitle(HostWindow* handle, const char* title)
 {
-    // Windows texts: Latin-1, and no place for Qt's "[*]" mark.
-    QString text = QString::fromLatin1(title ? title : "");
+    // No place for Qt's "[*]" mark.
+    QString text = QString::fromUtf8(title ? title : "");
     text.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
     FromHandle(handle)->top->setWindowTitle(text);
 }

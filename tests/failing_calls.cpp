@@ -1,0 +1,161 @@
+#include "tests/failing_calls.h"
+
+#include "platform/kernel/system_calls.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <iterator>
+#include <map>
+#include <memory>
+#include <utility>
+
+namespace {
+
+CallJudge judgeInForce;
+std::vector<JudgedCall> judgedCalls;
+std::map<int, std::pair<std::string, int>> openedWith;
+
+int Judge(CallKind kind, const std::string& path, int flags)
+{
+    JudgedCall call = {static_cast<int>(judgedCalls.size()) + 1, kind, path, flags, false};
+    const int verdict = judgeInForce(call);
+    call.refused = verdict > 0;
+    judgedCalls.push_back(call);
+    if (verdict > 0) {
+        errno = verdict;
+    }
+    return verdict;
+}
+
+int JudgeOpenFile(CallKind kind, int descriptor)
+{
+    const auto& [path, flags] = openedWith[descriptor];
+    return Judge(kind, path, flags);
+}
+
+size_t Share(int verdict, size_t count)
+{
+    return verdict == halfTransfer ? (count + 1) / 2 : count;
+}
+
+int Open(const char* path, int flags, mode_t mode)
+{
+    if (Judge(openCall, path, flags) > 0) {
+        return -1;
+    }
+    const int descriptor = RealSystemCalls().open(path, flags, mode);
+    openedWith[descriptor] = {path, flags};
+    return descriptor;
+}
+
+int Close(int descriptor)
+{
+    const int verdict = JudgeOpenFile(closeCall, descriptor);
+    const int result = RealSystemCalls().close(descriptor);
+    if (verdict > 0) {
+        errno = verdict;
+        return -1;
+    }
+    return result;
+}
+
+ssize_t Read(int descriptor, void* buffer, size_t count)
+{
+    const int verdict = JudgeOpenFile(readCall, descriptor);
+    return verdict > 0 ? -1 : RealSystemCalls().read(descriptor, buffer, Share(verdict, count));
+}
+
+ssize_t ReadAt(int descriptor, void* buffer, size_t count, off_t offset)
+{
+    const int verdict = JudgeOpenFile(readAtCall, descriptor);
+    return verdict > 0 ? -1 : RealSystemCalls().readAt(descriptor, buffer, Share(verdict, count), offset);
+}
+
+ssize_t Write(int descriptor, const void* buffer, size_t count)
+{
+    const int verdict = JudgeOpenFile(writeCall, descriptor);
+    return verdict > 0 ? -1 : RealSystemCalls().write(descriptor, buffer, Share(verdict, count));
+}
+
+off_t Seek(int descriptor, off_t offset, int from)
+{
+    return JudgeOpenFile(seekCall, descriptor) > 0 ? -1 : RealSystemCalls().seek(descriptor, offset, from);
+}
+
+int Sync(int descriptor)
+{
+    return JudgeOpenFile(syncCall, descriptor) > 0 ? -1 : 0;
+}
+
+int Stat(const char* path, struct stat* status)
+{
+    return Judge(statCall, path, 0) > 0 ? -1 : RealSystemCalls().stat(path, status);
+}
+
+int StatOpen(int descriptor, struct stat* status)
+{
+    return JudgeOpenFile(statOpenCall, descriptor) > 0 ? -1 : RealSystemCalls().statOpen(descriptor, status);
+}
+
+int Unlink(const char* path)
+{
+    return Judge(unlinkCall, path, 0) > 0 ? -1 : RealSystemCalls().unlink(path);
+}
+
+int Link(const char* from, const char* to)
+{
+    return Judge(linkCall, from, 0) > 0 ? -1 : RealSystemCalls().link(from, to);
+}
+
+int Rename(const char* from, const char* to)
+{
+    return Judge(renameCall, from, 0) > 0 ? -1 : RealSystemCalls().rename(from, to);
+}
+
+int RenameNoReplace(const char* from, const char* to)
+{
+    return Judge(renameNoReplaceCall, from, 0) > 0 ? -1 : RealSystemCalls().renameNoReplace(from, to);
+}
+
+} // namespace
+
+void JudgeSystemCalls(CallJudge judge)
+{
+    judgeInForce = std::move(judge);
+    judgedCalls.clear();
+    openedWith.clear();
+    systemCalls = {Open, Close,    Read,   ReadAt, Write,  Seek,           Sync,
+                   Stat, StatOpen, Unlink, Link,   Rename, RenameNoReplace};
+}
+
+const std::vector<JudgedCall>& JudgedCalls()
+{
+    return judgedCalls;
+}
+
+bool EndsWith(const std::string& text, const std::string& ending)
+{
+    return text.size() >= ending.size() && text.compare(text.size() - ending.size(), ending.size(), ending) == 0;
+}
+
+int OpenDescriptors()
+{
+    std::filesystem::directory_iterator entries("/proc/self/fd");
+    return static_cast<int>(std::distance(begin(entries), end(entries)));
+}
+
+CallJudge FailFrom(int number, int error, FaultSpan span)
+{
+    auto kind = std::make_shared<int>(-1); // of the first call that failed
+    return [=](const JudgedCall& call) {
+        if (call.number < number) {
+            return letThrough;
+        }
+        if (call.number == number) {
+            *kind = call.kind;
+        }
+        const bool fails = call.number == number || span == failAll || (span == failKind && call.kind == *kind);
+        return fails ? error : letThrough;
+    };
+}
