@@ -45,7 +45,7 @@ class Bar : public QScrollBar {
         // The style draws the groove after the window's colour and the thumb after the button's: told apart at a glance.
         QPalette colours = palette();
         colours.setColor(QPalette::Window, QColor(0xD8, 0xD8, 0xD8));
-        colours.setColor(QPalette::Button, QColor(0xA4, 0xAC, 0xB4));
+        colours.setColor(QPalette::Button, QColor(0xC4, 0xCA, 0xD0));
         setPalette(colours);
         setCursor(Qt::ArrowCursor);
         connect(this, &QAbstractSlider::actionTriggered, [this](int action) {
