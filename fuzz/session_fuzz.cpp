@@ -16,7 +16,7 @@
 namespace {
 
 constexpr size_t mostSteps = 80;
-constexpr int mostAnswers = 60; // of the closing questions
+constexpr int mostAnswers = 200; // of the closing questions
 constexpr int settleTime = 60;
 
 SessionWorld world;

@@ -17,6 +17,7 @@
 namespace {
 
 constexpr uint16_t carriedBits = 0x0015; // without a meaning here
+constexpr int mostPixels = 4096;         // a side of any window
 constexpr struct {
     int16_t width;
     int16_t height;
@@ -93,6 +94,16 @@ std::string DataFile(uint8_t shape, uint8_t terrain)
         Put(&bytes, FirstCell(number, terrain), 2);
     }
     return bytes;
+}
+
+// Palettes alone have a title bar of the program's.
+bool IsPalette(WindowPtr record)
+{
+    const DialogItem* item = record != nullptr && record != shell.mapWindow ? record->firstItem : nullptr;
+    while (item != nullptr && item->kind != titleBarItem) {
+        item = item->next;
+    }
+    return item != nullptr;
 }
 
 bool IsOneOf(int value, std::initializer_list<int> values)
@@ -203,21 +214,17 @@ void CheckSession(SessionWorld* world)
     if (shell.mapShown) {
         CheckGrid(world);
     }
-    int popups = 0;
+    int palettes = 0;
     for (const HeadlessWindow* window : headless.windows) {
         const HostRect& client = window->client;
-        if (client.right <= client.left || client.bottom <= client.top || client.right - client.left > 4096 ||
-            client.bottom - client.top > 4096) {
+        if (client.right <= client.left || client.bottom <= client.top || client.right - client.left > mostPixels ||
+            client.bottom - client.top > mostPixels) {
             NoteFault(world, "a window has an impossible size");
         }
-        popups += window->kind == hostPopupWindow && window->visible ? 1 : 0;
+        palettes += window->visible && IsPalette(WindowRecord(static_cast<HWND>(window->token))) ? 1 : 0;
     }
-    const int palettes = (shell.featuresPaletteOpen != 0 ? 1 : 0) + (shell.moveCostPaletteOpen != 0 ? 1 : 0);
-    if (palettes > 1) {
-        NoteFault(world, "both palettes are open");
-    }
-    if (popups > 3) { // a palette, a question and the message about its answer
-        NoteFault(world, "dialogs pile up");
+    if (palettes > 1 || (shell.featuresPaletteOpen != 0 && shell.moveCostPaletteOpen != 0)) {
+        NoteFault(world, "two palettes are open");
     }
 }
 

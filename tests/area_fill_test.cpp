@@ -73,7 +73,8 @@ TEST_F(AreaFillTest, ABandSelectsTheCellsWhoseFarEdgesItCovers)
         for (const Row& row : rows) {
             AltDragOnMap(row.points);
             ThenCheck([=] {
-                EXPECT_EQ(HeadlessPopup() != nullptr ? HeadlessPopup()->client.right - HeadlessPopup()->client.left : 0,
+                EXPECT_EQ(HeadlessPopup() != nullptr ? HeadlessPopup()->client.right - HeadlessPopup()->client.left
+                                                     : 0,
                           palette == 't' ? 190 : 130);
             });
             ClickButton("Fill");

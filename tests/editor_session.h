@@ -1,5 +1,5 @@
-// Whole sessions of the program on the headless host: a folder with maps whose art encodes its own coordinates, a script
-// of what the user does, and checks in the middle of it. Every session ends by the program's own commands.
+// Whole sessions of the program on the headless host: a folder with maps whose art encodes its own coordinates, a
+// script of what the user does, and checks in the middle of it. Every session ends by the program's own commands.
 #pragma once
 
 #include "tests/dialog_driver.h"

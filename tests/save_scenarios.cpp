@@ -76,6 +76,14 @@ void SaveScenarioTest::SetUp()
     folder = pattern + "/";
     currentMap.record = RecordOf(newColumns, newRows);
     ASSERT_EQ(AllocateCellColumns(), 0);
+    for (int y = 0; y < newRows; y++) {
+        for (int x = 0; x < newColumns; x++) {
+            const uint16_t cell = NewCell(x, y);
+            *CellAt(x, y) = cell;
+            newCells.push_back(static_cast<char>(cell & 0xFF));
+            newCells.push_back(static_cast<char>(cell >> 8));
+        }
+    }
 }
 
 void SaveScenarioTest::TearDown()
@@ -109,14 +117,7 @@ void SaveScenarioTest::Prepare(const SaveScenario& scenario)
     currentMap.record.mapID = scenario.changedID ? 102 : 101;
     currentMap.loadedMapID = 101;
     currentMap.mapModified = 1;
-    newContent = Header(currentMap.record);
-    for (int y = 0; y < newRows; y++) {
-        for (int x = 0; x < newColumns; x++) {
-            const uint16_t cell = NewCell(x, y);
-            *CellAt(x, y) = cell;
-            newContent += {static_cast<char>(cell & 0xFF), static_cast<char>(cell >> 8)};
-        }
-    }
+    newContent = Header(currentMap.record) + newCells;
     ASSERT_EQ(MakeFileSpec(folder.c_str(), "Map101c.dat", &currentMap.dataFileSpec), 0);
     openBefore = OpenDescriptors();
     if (scenario.hasDataFile) {

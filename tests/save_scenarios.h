@@ -50,6 +50,7 @@ class SaveScenarioTest : public DialogDriver {
   private:
     void AnswerMessages(int looks);
 
+    std::string newCells;
     std::string folder; // with a separator at its end
     int openBefore = 0;
 };

@@ -45,10 +45,10 @@ TEST_F(ViewsTest, GridReferencesCountFromTheBottomLeftCorner)
             const char* reference;
         };
         const Row rows[] = {
-            {10, 390, "980420"},   {19, 390, "980420"},  {20, 389, "981420"},   {109, 291, "989429"},
-            {110, 290, "990430"},  {210, 190, "000440"}, {310, 290, "010430"},  {599, 0, "038459"},
-            {9, 390, "980420"},    {1, 390, "980420"},   {0, 390, "98-1420"},   {10, 391, "980420"},
-            {10, 399, "980420"},   {589, 10, "037458"},  {10, 400, "98042-1"},
+            {10, 390, "980420"},  {19, 390, "980420"},  {20, 389, "981420"},  {109, 291, "989429"},
+            {110, 290, "990430"}, {210, 190, "000440"}, {310, 290, "010430"}, {599, 0, "038459"},
+            {9, 390, "980420"},   {1, 390, "980420"},   {0, 390, "98-1420"},  {10, 391, "980420"},
+            {10, 399, "980420"},  {589, 10, "037458"},  {10, 400, "98042-1"},
         };
         for (const Row& row : rows) {
             char reference[256];
@@ -108,7 +108,6 @@ TEST_F(ViewsTest, TheReadOutTellsTheTerrainUnderThePointer)
     ThenCheck([=] {
         const std::string text = view.statusText;
         EXPECT_EQ(text.substr(text.size() - last.size()), last) << "outside the map it stays";
-        EXPECT_NE(SeenAt(17, 410), 0xC0C0C0u ^ 1);
         int inked = 0;
         for (int h = 0; h < 400; h++) {
             for (int v = 417; v < 434; v++) {
@@ -199,17 +198,17 @@ TEST_F(ViewsTest, LinesAndLabelsStandAtTheirKilometres)
             EXPECT_GT(yellowNear(555, v + 4), 40) << v;
         }
         EXPECT_EQ(yellowNear(205, 600), 0);
-        // 98, 99, 00: the third label has two equal digits, the first has not.
+        // 98, 99, 00: each number has its picture, wherever it stands.
         const auto glyph = [](int h, int v) {
             std::string bits;
             for (int y = v - 10; y < v + 2; y++) {
-                for (int x = h; x < h + 6; x++) {
+                for (int x = h; x < h + 14; x++) {
                     bits += SeenAt(x, y) == labelYellow ? '.' : '#';
                 }
             }
             return bits;
         };
-        EXPECT_NE(glyph(5, 864), glyph(105, 364)) << "different places on the line";
+        EXPECT_NE(glyph(5, 864), glyph(105, 864)) << "98 and then 99";
         EXPECT_EQ(glyph(105, 864), glyph(105, 364)) << "one number along its line";
         EXPECT_NE(glyph(105, 864), glyph(205, 864)) << "99 and then 00";
     });
@@ -259,17 +258,28 @@ TEST_F(ViewsTest, TheAnalysisShowsEachCellsTerrain)
     constexpr uint32_t tile = 0xFFFFFFFF; // black, whatever the digit
     const uint32_t art = 0xFEFFFFFF;
     const Row rows[] = {
-        {0x0000, 0xDDDDDD, 0xDDDDDD, 0xDDDDDD}, {0x0800, 0x999999, 0x999999, 0x999999},
-        {0x1000, 0x666666, 0x666666, 0x666666}, {0x1800, 0x555555, 0x555555, 0x555555},
-        {0x2000, 0x000000, 0x000000, 0x000000}, {0x3000, 0xA6CAF0, 0xA6CAF0, 0xA6CAF0},
-        {0x2800, art, art, art},                {0xF800, art, art, art},
-        {0x2840, art, art, 0x66CC66},           {0x0040, 0xDDDDDD, 0xDDDDDD, 0x66CC66},
-        {0x1080, 0x666666, 0x666666, 0x990033}, {0x00C0, 0xDDDDDD, 0xDDDDDD, 0x990033},
-        {0x2008, 0x9A6834, 0x000000, 0x000000}, {0x0020, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF},
-        {0x3720, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF}, {0x0468, 0x9A6834, 0xFFFFFF, 0x66CC66},
-        {0x01C0, tile, tile, tile},             {0x0240, tile, tile, tile},
-        {0x0580, tile, tile, tile},             {0x0408, 0x9A6834, tile, tile},
-        {0x2848, 0x9A6834, art, 0x66CC66},      {0x0002, 0xDDDDDD, 0xDDDDDD, 0xDDDDDD},
+        {0x0000, 0xDDDDDD, 0xDDDDDD, 0xDDDDDD},
+        {0x0800, 0x999999, 0x999999, 0x999999},
+        {0x1000, 0x666666, 0x666666, 0x666666},
+        {0x1800, 0x555555, 0x555555, 0x555555},
+        {0x2000, 0x000000, 0x000000, 0x000000},
+        {0x3000, 0xA6CAF0, 0xA6CAF0, 0xA6CAF0},
+        {0x2800, art, art, art},
+        {0xF800, art, art, art},
+        {0x2840, art, art, 0x66CC66},
+        {0x0040, 0xDDDDDD, 0xDDDDDD, 0x66CC66},
+        {0x1080, 0x666666, 0x666666, 0x990033},
+        {0x00C0, 0xDDDDDD, 0xDDDDDD, 0x990033},
+        {0x2008, 0x9A6834, 0x000000, 0x000000},
+        {0x0020, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF},
+        {0x3720, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF},
+        {0x0468, 0x9A6834, 0xFFFFFF, 0x66CC66},
+        {0x01C0, tile, tile, tile},
+        {0x0240, tile, tile, tile},
+        {0x0580, tile, tile, tile},
+        {0x0408, 0x9A6834, tile, tile},
+        {0x2848, 0x9A6834, art, 0x66CC66},
+        {0x0002, 0xDDDDDD, 0xDDDDDD, 0xDDDDDD},
     };
     OpenWith([&](MapFile* map) {
         for (size_t i = 0; i < std::size(rows); i++) {
@@ -286,7 +296,7 @@ TEST_F(ViewsTest, TheAnalysisShowsEachCellsTerrain)
             const auto expect = [&](int inset, uint32_t wanted) {
                 const uint32_t seen = SeenAt(left + inset, 100 + inset);
                 if (wanted == tile) {
-                    EXPECT_TRUE(seen == 0x000000 || (seen == 0xFFFFFF && inset == 4)) << rows[i].word << " " << inset;
+                    EXPECT_TRUE(seen == 0x000000 || (seen == 0xFFFFFF && inset >= 2)) << rows[i].word << " " << inset;
                 } else {
                     EXPECT_EQ(seen, wanted == art ? ArtColour(left + inset, 100 + inset) : wanted)
                         << rows[i].word << " " << inset;

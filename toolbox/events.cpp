@@ -166,7 +166,9 @@ static void KeyEvent(EventRecord* event, int32_t mask)
         DispatchMessageA(&message); // the character, if there is one, follows as WM_CHAR
         return;
     }
-    if ((mask & keyDownMask) != 0 && message.wParam != VK_CONTROL && message.wParam != VK_SHIFT) {
+    // With Ctrl the keypad's operators have no character, and their codes are those of letters.
+    const bool isOperator = message.wParam >= VK_MULTIPLY && message.wParam <= VK_DIVIDE;
+    if ((mask & keyDownMask) != 0 && message.wParam != VK_CONTROL && message.wParam != VK_SHIFT && !isOperator) {
         SetKeyDown(event, message.wParam, HeldModifiers() & ~optionKey);
     }
 }

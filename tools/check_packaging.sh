@@ -121,6 +121,7 @@ check "the menu entry is valid" desktop-file-validate --no-hints "$entry"
 check "the menu entry's command is installed" menu_command_is_installed
 check "the launcher starts the program among the documents" launcher_starts_among_documents
 check "the metadata is valid" appstreamcli validate --no-net --no-color "$metainfo"
+check "the installed tree fits its metadata" appstreamcli validate-tree --no-net --no-color "$root"
 check "the metadata names menu entry and version" metadata_names_menu_entry
 check "the manual page is clean" man_page_is_clean
 check "the icons have their sizes" icons_have_their_sizes

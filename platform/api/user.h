@@ -338,7 +338,9 @@ HANDLE WINAPI LoadImageA(HINSTANCE instance, LPCSTR name, UINT type, int width, 
 #define VK_DOWN 0x28
 #define VK_INSERT 0x2D
 #define VK_DELETE 0x2E
+#define VK_MULTIPLY 0x6A
 #define VK_ADD 0x6B
+#define VK_DIVIDE 0x6F
 #define VK_F1 0x70
 #define VK_F2 0x71
 #define VK_F3 0x72

@@ -7,7 +7,7 @@ namespace {
 
 QMenu* AddTitle(Window* window, const char* text)
 {
-    QMenu* menu = window->menuBar->addMenu(QString::fromLatin1(text));
+    QMenu* menu = window->menuBar->addMenu(QString::fromUtf8(text));
     // The click that closes a menu does nothing else.
     menu->setAttribute(Qt::WA_NoMouseReplay);
     // Keys held at this moment are let go over the menu.
@@ -25,7 +25,7 @@ void AddItem(Window* window, const HostMenuItem& item)
         return;
     }
     // The text behind the tab is shown in the key column; no shortcut is registered, keys are the program's.
-    QAction* action = menu->addAction(QString::fromLatin1(item.text));
+    QAction* action = menu->addAction(QString::fromUtf8(item.text));
     window->menuItems.back().push_back(action);
     const int command = item.command;
     QObject::connect(action, &QAction::triggered, [window, action, command] {
@@ -76,8 +76,7 @@ void SetMenuItem(HostWindow* handle, int menu, int item, int enabled, int checke
         return;
     QAction* action = actions[static_cast<size_t>(item)];
     action->setEnabled(enabled != 0);
-    if (checked)
-        action->setCheckable(true);
+    action->setCheckable(checked != 0); // an unchecked item shows no empty box
     action->setData(checked != 0);
     action->setChecked(checked != 0);
 }

@@ -42,7 +42,8 @@ class Bar : public QScrollBar {
     {
         setFocusPolicy(Qt::NoFocus);
         setContextMenuPolicy(Qt::PreventContextMenu);
-        // The style draws the groove after the window's colour and the thumb after the button's: told apart at a glance.
+        // The style draws the groove after the window's colour and the thumb after the button's: told apart at a
+        // glance.
         QPalette colours = palette();
         colours.setColor(QPalette::Window, QColor(0xD8, 0xD8, 0xD8));
         colours.setColor(QPalette::Button, QColor(0xC4, 0xCA, 0xD0));

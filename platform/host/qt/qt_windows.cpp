@@ -252,7 +252,8 @@ HostWindow* CreateWindow(const HostWindowRequest* request, void* token)
                      Qt::WindowMinMaxButtonsHint;
         window->top = new OuterFrame(window, flags);
         window->client = new ClientArea(window, window->top, Qt::Widget);
-        window->top->setFocusProxy(window->client);
+        window->client
+            ->setFocus(); // a proxy would leave the keys with the outer widget where no manager gives the focus
     }
     int width = request->clientWidth;
     int height = request->clientHeight;
@@ -308,12 +309,27 @@ void SizeClient(Window* window, int clientWidth, int clientHeight)
     window->placing = placing;
 }
 
+// The window manager gives the window its former place back some time later, which must come before a new one is
+// asked for.
+static void LeaveMaximized(QWidget* top)
+{
+    constexpr int deadline = 300;
+    const QSize maximized = top->size();
+    QElapsedTimer waited;
+    waited.start();
+    top->setWindowState(Qt::WindowNoState);
+    while (top->size() == maximized && waited.elapsed() < deadline) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        QThread::msleep(1);
+    }
+}
+
 void PlaceWindow(HostWindow* handle, int left, int top, int clientWidth, int clientHeight)
 {
     Window* window = FromHandle(handle);
     window->placing = true;
     if (window->top->windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen))
-        window->top->setWindowState(Qt::WindowNoState);
+        LeaveMaximized(window->top);
     if (clientWidth != 0 || clientHeight != 0)
         SizeClient(window, clientWidth, clientHeight);
     if (left != hostDefaultPlace && top != hostDefaultPlace)
