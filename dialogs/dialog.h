@@ -23,8 +23,8 @@ struct DialogItem {
     DialogItem* next;
     WindowPtr dialog;
     HDC dc;
-    Rect rect;      // in the dialog, for drawing and hit testing
-    Rect images[4]; // check boxes: where the interface bitmap holds the images of states 0 to 3
+    Rect rect;       // in the dialog, for drawing and hit testing
+    Rect images[4];  // check boxes: where the interface bitmap holds the images of states 0 to 3
     uint16_t number; // from 1, in the order of creation
     uint16_t sound;  // played when pressed; 0 for none
     uint8_t tracksMouse;
@@ -45,14 +45,15 @@ struct DialogItem {
 
 // A hidden pop-up of that content size at topLeft (screen), or centred on the screen when null. Null on failure.
 WindowPtr NewMockDialog(int frameStyle, int width, int height, const char* title, const Point* topLeft);
-// rects: the item's, then up to four image rectangles (states 0, 2, 1, 3). More than two make the item track the mouse.
-// colour: text colour of static and edit texts, the initial state of check boxes. Null when memory is short.
+// rects: the item's, then up to four image rectangles (states 0, 2, 1, 3). More than two make the item track the
+// mouse. colour: text colour of static and edit texts, the initial state of check boxes. Null when memory is short.
 DialogItem* AddDialogItem(WindowPtr dialog, int rectCount, const Rect* rects, const char* text, int textH, int textV,
                           int visible, COLORREF colour, int kind, int32_t itemID, int textStyle, int textSize);
 DialogItem* AddOKButton(WindowPtr dialog, int left, int top, int right, int bottom);
 DialogItem* AddCancelButton(WindowPtr dialog, int left, int top, int right, int bottom);
 // The two kinds of item that dialogs add most, with their usual colour, size and style.
-DialogItem* AddPushButton(WindowPtr dialog, int left, int top, int right, int bottom, const char* text, int32_t itemID);
+DialogItem* AddPushButton(WindowPtr dialog, int left, int top, int right, int bottom, const char* text,
+                          int32_t itemID);
 DialogItem* AddStaticText(WindowPtr dialog, int left, int top, int right, int bottom, const char* text);
 
 void DrawMockDialog(WindowPtr dialog, bool inUpdate);

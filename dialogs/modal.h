@@ -22,8 +22,8 @@ enum ModalCode {
 void ModalDialogStep(WindowPtr dialog, int32_t* itemHit, int32_t* itemID, HRGN mouseRegion);
 
 // A step of the loop of an alert or dialog that only waits for its items: the map window's updates are painted. False
-// when the program is to end, or short memory left the dialog without the button that ends it; the loop then ends as if
-// the user had declined.
+// when the program is to end, or short memory left the dialog without the button that ends it; the loop then ends as
+// if the user had declined.
 bool RunDialogStep(WindowPtr dialog, int32_t* itemHit, int32_t* itemID);
 
 // A message with OK. Text list + index when index is not 0, else text. 0 x 0 is the default size; the alert grows

@@ -3,8 +3,8 @@
 
 #include "mapdata/map_record.h"
 
-// Reads header and text of the open file into currentMap. 0, or 1: a system error, a map over 3100 pixels a side (after
-// its messages), counts or a rectangle that no map can have, a text of more than 255 characters.
+// Reads header and text of the open file into currentMap. 0, or 1: a system error, a map over 3100 pixels a side
+// (after its messages), counts or a rectangle that no map can have, a text of more than 255 characters.
 int16_t ReadMapHeader(HFILE file);
 // Reads the cells into the allocated grid, from where ReadMapHeader stopped. A file that ends early leaves 0.
 int16_t ReadMapCells(HFILE file);

@@ -24,7 +24,8 @@ void CloseFile(HFILE file); // noFile is ignored
 // Mode 1: offset bytes from the start; any other mode does nothing.
 void SetFilePosition(HFILE file, int mode, int32_t offset);
 
-// Reads up to count bytes and tells how many there were before the file's end. 0, or -1 when the system reported an error.
+// Reads up to count bytes and tells how many there were before the file's end. 0, or -1 when the system reported an
+// error.
 int16_t ReadFileBytes(HFILE file, void* buffer, int32_t count, int32_t* bytesRead);
 // Brings everything written so far, and the folder's entry of the file, to the disk.
 int16_t SyncFile(HFILE file);
@@ -32,6 +33,6 @@ int16_t SyncFile(HFILE file);
 enum TransferDirection { readField = -1, writeField = 0 };
 enum FieldType { byteField = 1, wordField = 2, textField = 6, pascalField = 7, countedField = 22, cellField = 37 };
 
-// 0, or -1 when the system reported an error. A read at the end of the file succeeds and moves nothing. A text is read up
-// to and including its zero byte, at most 256 bytes; one without it there is a failure.
+// 0, or -1 when the system reported an error. A read at the end of the file succeeds and moves nothing. A text is
+// read up to and including its zero byte, at most 256 bytes; one without it there is a failure.
 int16_t TransferField(int direction, int typeCode, HFILE file, void* buffer, int32_t count);

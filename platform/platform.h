@@ -1,6 +1,6 @@
-// The one door to the Windows API. On Windows it is the system's own headers; everywhere else platform/ implements the
-// subset that the program uses, under the same names and with the behaviour that the Windows documentation states.
-// Where a call departs from that documentation, its declaration says so.
+// The one door to the Windows API. On Windows it is the system's own headers; everywhere else platform/ implements
+// the subset that the program uses, under the same names and with the behaviour that the Windows documentation
+// states. Where a call departs from that documentation, its declaration says so.
 #pragma once
 
 #if defined(_WIN32)

@@ -198,6 +198,9 @@ TEST_F(ViewsTest, LinesAndLabelsStandAtTheirKilometres)
             EXPECT_GT(yellowNear(555, v + 4), 40) << v;
         }
         EXPECT_EQ(yellowNear(205, 600), 0);
+        for (int h = 10; h < 890; h += 100) {
+            EXPECT_EQ(yellowNear(h + 11, 864), 0) << "a number of two digits, also after 99";
+        }
         // 98, 99, 00: each number has its picture, wherever it stands.
         const auto glyph = [](int h, int v) {
             std::string bits;

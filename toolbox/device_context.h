@@ -11,8 +11,10 @@ inline void ReplaceObject(HDC dc, HGDIOBJ object, HGDIOBJ initial)
         return;
     }
     const HGDIOBJ displaced = SelectObject(dc, object);
-    if (displaced != nullptr && displaced != initial) {
-        DeleteObject(displaced);
+    // A port whose window is gone takes no object, so the new one is the one without a use.
+    const HGDIOBJ unused = displaced != nullptr ? displaced : object;
+    if (unused != initial) {
+        DeleteObject(unused);
     }
 }
 

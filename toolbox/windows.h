@@ -44,8 +44,8 @@ void ScreenOutline(const Rect* rect);
 // objects, text alignment, black on white, plain Arial 10, palette, content and port rectangle. Shared with the
 // dialog manager, which then sets its own font and colours.
 void PrepareWindowPort(WindowPtr port, HWND window);
-// Parts a record from its window, on WM_DESTROY: the initial objects go back, the displaced ones are deleted, window and
-// device context become null. The record stays for loops that still name it.
+// Parts a record from its window, on WM_DESTROY: the initial objects go back, the displaced ones are deleted, window
+// and device context become null. The record stays for loops that still name it.
 void DetachWindowPort(WindowPtr port);
 // The same, and frees the record. None is ignored.
 void ReleaseWindowPort(WindowPtr port);

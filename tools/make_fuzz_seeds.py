@@ -112,17 +112,23 @@ def items(*numbers):
 
 def make_session_seeds():
     wait = (OTHER, 200, 80)
+
+    def palette(key, item):  # opened, dragged to the bottom-right corner, a tool chosen
+        return [(CONTROL, key), wait, *stroke((60, 31), (70, 40), (250, 245)), wait, (ITEM, item), wait]
+
     session("nothing", NOTHING, 0, wait)
     for size in range(4):
         for counts in range(4):
-            strokes = stroke((5, 30), (80, 30), (80, 90)) + stroke((250, 250), (0, 0))
-            steps = [(CONTROL, TERRAIN), wait, *items(5), *strokes, (KEY, ESCAPE), wait]
-            session(f"strokes_{size}_{counts}", size << 2 | counts << 4, 200, *steps)
+            # Down along the left edge to below the smallest map, and across its right edge.
+            strokes = stroke((20, 40), (20, 80), (21, 120), (90, 124)) + stroke((100, 40), (160, 42), (175, 90))
+            first = [*palette(TERRAIN, 4), *strokes, (KEY, ESCAPE), wait]
+            second = [*palette(COSTS, 6), *strokes, wait, *stroke((20, 118), (80, 118)), (KEY, ESCAPE), wait]
+            session(f"strokes_{size}_{counts}", size << 2 | counts << 4, 200, *first, *second)
     area = [(DOWN, ALT), *stroke((30, 40), (90, 80), (110, 100)), (UP, ALT), wait]
-    for palette in (TERRAIN, COSTS):
-        for tool in range(3, 16, 2):
-            steps = [(CONTROL, palette), wait, *items(tool), *stroke((20, 60), (200, 60)), *area, *items(0), wait]
-            session(f"fill_{palette}_{tool}", 0x08, 255, *steps, (DOWN, SHIFT), *stroke((20, 20), (90, 90)))
+    for key, tools in ((TERRAIN, (4, 5, 6, 7, 8, 15, 17, 18)), (COSTS, (4, 5, 6, 7, 8, 9))):
+        for number, tool in enumerate(tools):
+            steps = [*palette(key, tool), *stroke((20, 60), (120, 60)), *area, *items(number % 3), wait]
+            session(f"fill_{key}_{tool}", 0x08, 255, *steps, (DOWN, SHIFT), *stroke((20, 40), (90, 90)))
     session("new_map", NEW_MAP, 0, (KEY, RETURN), wait, (KEY, RETURN), wait, (CONTROL, COSTS), wait, *items(4))
     session("new_map_numbers", NEW_MAP, 0, (TEXT, 200, 4), (KEY, 2), (TEXT, 99, 1), (KEY, RETURN), (KEY, RETURN), wait)
     session("open_others", NOTHING, 0, *[s for n in range(8) for s in ((OTHER, 100, n), (CONTROL, OPEN), wait, (KEY, 0))])
@@ -137,12 +143,12 @@ def make_session_seeds():
     session("properties", 0x00, 0, *properties, (KEY, ESCAPE), wait)
     session("save_twice", 0x40, 9, (CONTROL, SAVE), wait, (KEY, RETURN), wait, (CONTROL, SAVE), wait, *items(0, 1))
     session("quit", OPEN_MAP, 9, (CONTROL, TERRAIN), wait, (KEY, ESCAPE), (CONTROL, QUIT), wait, *items(2), (OTHER, 1))
-    session("close_in_palette", 0x08, 77, (CONTROL, TERRAIN), wait, *items(7), (PRESS, 40, 60), (OTHER, 0, 0), wait)
+    session("close_in_palette", 0x08, 77, *palette(TERRAIN, 7), (PRESS, 40, 60), (OTHER, 0, 0), wait)
     session("drag_palette", 0x08, 77, (CONTROL, TERRAIN), wait, *stroke((40, 12), (250, 250)), *stroke((250, 250), (9, 9)))
-    whole = [s for n in range(14, 22) for s in ((ITEM, n), wait, (KEY, RETURN), wait)]
+    whole = [s for n in range(19, 23) for s in ((ITEM, n), wait, (KEY, RETURN), wait)]
     session("whole_map", 0x20, 255, (CONTROL, TERRAIN), wait, *whole, (KEY, ESCAPE), (CONTROL, COSTS), wait, *whole)
     held = [(PRESS, 40, 60), (KEY, ESCAPE), (MENU, 4), (OTHER, 9, 1), (CLICK, 70, 80), (RELEASE,)]
-    session("held", 0x08, 30, (CONTROL, TERRAIN), wait, *items(5), *held, (CONTROL, COSTS), (CONTROL, TERRAIN))
+    session("held", 0x08, 30, *palette(TERRAIN, 5), *held, (CONTROL, COSTS), (CONTROL, TERRAIN))
     grow = stroke((254, 254), (200, 200), (10, 10))
     session("grow", 0x08, 30, (RESIZE, 90, 60), *grow, (DOWN, ALT), *stroke((40, 10), (90, 90)), (UP, ALT))
 

@@ -1,7 +1,7 @@
 // Device contexts, objects, fills, lines, blits, bitmaps, palettes and text (GDI32), drawn in software.
 //
-// Surfaces are 32 bits a pixel. Every window of a class with CS_OWNDC has one device context for its whole life, which
-// draws into the window's retained picture; between BeginPaint and EndPaint it is clipped to the update region.
+// Surfaces are 32 bits a pixel. Every window of a class with CS_OWNDC has one device context for its whole life,
+// which draws into the window's retained picture; between BeginPaint and EndPaint it is clipped to the update region.
 // Palette-relative colours are their RGB. Text is UTF-8 and drawn from the Liberation fonts with FreeType.
 #pragma once
 
@@ -60,7 +60,8 @@ int WINAPI GetROP2(HDC dc);
 // ---- lines and fills ----
 
 BOOL WINAPI MoveToEx(HDC dc, int x, int y, LPPOINT previous);
-// Leaves out the end pixel. A pen n pixels wide covers n rows or columns, one more before the line than after for even n.
+// Leaves out the end pixel. A pen n pixels wide covers n rows or columns, one more before the line than after for
+// even n.
 BOOL WINAPI LineTo(HDC dc, int x, int y);
 int WINAPI FillRect(HDC dc, const RECT* rect, HBRUSH brush);
 int WINAPI FrameRect(HDC dc, const RECT* rect, HBRUSH brush);
@@ -228,6 +229,6 @@ UINT WINAPI GetTextAlign(HDC dc);
 BOOL WINAPI TextOutA(HDC dc, int x, int y, LPCSTR text, int length);
 BOOL WINAPI GetTextExtentPoint32A(HDC dc, LPCSTR text, int length, LPSIZE size);
 BOOL WINAPI GetTextMetricsA(HDC dc, TEXTMETRICA* metrics);
-// length -1 for a zero-terminated text. Returns the text's height. Lines break at blanks and at line feeds, and inside
-// a word that is wider than the rectangle.
+// length -1 for a zero-terminated text. Returns the text's height. Lines break at blanks and at line feeds, and
+// inside a word that is wider than the rectangle.
 int WINAPI DrawTextA(HDC dc, LPCSTR text, int length, LPRECT rect, UINT format);

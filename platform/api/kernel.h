@@ -1,7 +1,7 @@
 // Files, memory blocks, resources, ticks (KERNEL32).
 //
-// Paths are UTF-8 and use the separator '/'. Where the exact file is not there, every call matches the last component of
-// the path without regard to ASCII and Latin-1 letter case, as a Windows file system would. Paths of MAX_PATH
+// Paths are UTF-8 and use the separator '/'. Where the exact file is not there, every call matches the last component
+// of the path without regard to ASCII and Latin-1 letter case, as a Windows file system would. Paths of MAX_PATH
 // characters or more are refused with ERROR_FILENAME_EXCED_RANGE. Interrupted system calls are retried.
 #pragma once
 
@@ -48,7 +48,8 @@ void WINAPI SetLastError(DWORD code);
 
 // Opens an existing file with OF_READ, OF_WRITE or OF_READWRITE; a folder cannot be opened. HFILE_ERROR on failure.
 HFILE WINAPI _lopen(LPCSTR path, int mode);
-// Creates a file for reading and writing, or empties the one that is there. The attributes argument must be 0 (normal).
+// Creates a file for reading and writing, or empties the one that is there. The attributes argument must be 0
+// (normal).
 HFILE WINAPI _lcreat(LPCSTR path, int attributes);
 // Reads up to count bytes at the file position; returns the bytes read, 0 at the end, (UINT)-1 on failure.
 UINT WINAPI _lread(HFILE file, LPVOID buffer, UINT count);
@@ -58,7 +59,8 @@ UINT WINAPI _lread(HFILE file, LPVOID buffer, UINT count);
 UINT WINAPI _lwrite(HFILE file, LPCSTR buffer, UINT count);
 // Closes the file. Returns 0, or HFILE_ERROR when gathered writes failed or the handle is none.
 HFILE WINAPI _lclose(HFILE file);
-// Only FILE_BEGIN, FILE_CURRENT and FILE_END; the high word pointer may be null. The handle is an HFILE cast to HANDLE.
+// Only FILE_BEGIN, FILE_CURRENT and FILE_END; the high word pointer may be null. The handle is an HFILE cast to
+// HANDLE.
 DWORD WINAPI SetFilePointer(HANDLE file, LONG offset, PLONG offsetHigh, DWORD method);
 // Writes what the handle holds back, then syncs the file and the folder that holds it. FALSE when any of it failed.
 BOOL WINAPI FlushFileBuffers(HANDLE file);

@@ -30,8 +30,8 @@ typedef struct tagOFNA {
 // Lets the user choose one existing file. FALSE when the user cancelled or the path does not fit the buffer.
 BOOL WINAPI GetOpenFileNameA(OPENFILENAMEA* request);
 
-// Only the verb "open", which hands the document to the desktop's own opener and returns at once. A relative file name
-// is looked for in the folder given. The result is above 32 when an opener was started.
+// Only the verb "open", which hands the document to the desktop's own opener and returns at once. A relative file
+// name is looked for in the folder given. The result is above 32 when an opener was started.
 HINSTANCE WINAPI ShellExecuteA(HWND owner, LPCSTR verb, LPCSTR file, LPCSTR parameters, LPCSTR folder, int show);
 
 #define SND_SYNC 0x0000
@@ -41,7 +41,7 @@ HINSTANCE WINAPI ShellExecuteA(HWND owner, LPCSTR verb, LPCSTR file, LPCSTR para
 #define SND_NOSTOP 0x0010
 #define SND_RESOURCE 0x00040004
 
-// Plays a "WAVE" resource of the module to its end, or with no name stops what plays. Silent and prompt where there is
-// no such resource or no sound device.
+// Plays a "WAVE" resource of the module to its end, or with no name stops what plays. Silent and prompt where there
+// is no such resource or no sound device.
 BOOL WINAPI PlaySoundA(LPCSTR name, HMODULE module, DWORD flags);
 BOOL WINAPI sndPlaySoundA(LPCSTR name, UINT flags);

@@ -51,15 +51,15 @@ typedef struct tagMSG {
 #define PM_NOREMOVE 0x0000
 #define PM_REMOVE 0x0001
 
-// Never blocks for the program; with nothing to do it lets the host wait up to about 10 ms for the next event, so that a
-// polling loop leaves the processor free. A WM_PAINT is made up only when nothing else waits and a window has an update
-// region; it comes again until the region is validated. What Windows sends rather than posts (sizes, activation,
-// scrolling, close requests) reaches the window procedures from inside this call.
+// Never blocks for the program; with nothing to do it lets the host wait up to about 10 ms for the next event, so
+// that a polling loop leaves the processor free. A WM_PAINT is made up only when nothing else waits and a window has
+// an update region; it comes again until the region is validated. What Windows sends rather than posts (sizes,
+// activation, scrolling, close requests) reaches the window procedures from inside this call.
 BOOL WINAPI PeekMessageA(LPMSG message, HWND window, UINT first, UINT last, UINT remove);
 LRESULT WINAPI DispatchMessageA(const MSG* message);
-// Posts the WM_CHAR (WM_SYSCHAR) of a key that has a character, ahead of all input. Departs from Windows, where it is TRUE
-// for every key-down message: TRUE only when it posted a WM_CHAR. Bits 16 to 23 of a key message's lParam, the scan code
-// on Windows, carry the character here.
+// Posts the WM_CHAR (WM_SYSCHAR) of a key that has a character, ahead of all input. Departs from Windows, where it is
+// TRUE for every key-down message: TRUE only when it posted a WM_CHAR. Bits 16 to 23 of a key message's lParam, the
+// scan code on Windows, carry the character here.
 BOOL WINAPI TranslateMessage(const MSG* message);
 LRESULT WINAPI SendMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 BOOL WINAPI PostMessageA(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -116,7 +116,7 @@ BOOL WINAPI GetClassInfoA(HINSTANCE instance, LPCSTR name, WNDCLASSA* record);
 #define WS_THICKFRAME 0x00040000
 #define WS_MINIMIZEBOX 0x00020000
 #define WS_MAXIMIZEBOX 0x00010000
-#define WS_OVERLAPPEDWINDOW                                                                                           \
+#define WS_OVERLAPPEDWINDOW                                                                                          \
     (WS_OVERLAPPED | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME | WS_MINIMIZEBOX | WS_MAXIMIZEBOX)
 #define SBS_HORZ 0x0000
 #define SBS_VERT 0x0001
@@ -180,8 +180,8 @@ BOOL WINAPI ShowWindow(HWND window, int how);
 // Of the order only HWND_TOP and HWND_TOPMOST change anything. A client area is at least 1 pixel wide and high.
 BOOL WINAPI SetWindowPos(HWND window, HWND after, int x, int y, int width, int height, UINT flags);
 BOOL WINAPI MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint);
-// Grows a client rectangle to the frame's. Frames are the window manager's: their widths are those that the overlapped
-// window has now (0 before it was shown, or where there is no window manager).
+// Grows a client rectangle to the frame's. Frames are the window manager's: their widths are those that the
+// overlapped window has now (0 before it was shown, or where there is no window manager).
 BOOL WINAPI AdjustWindowRect(LPRECT rect, DWORD style, BOOL menu);
 BOOL WINAPI GetClientRect(HWND window, LPRECT rect);
 BOOL WINAPI GetWindowRect(HWND window, LPRECT rect);
@@ -309,9 +309,9 @@ BOOL WINAPI DestroyCursor(HCURSOR cursor); // FALSE for system cursors, which ar
 HCURSOR WINAPI SetCursor(HCURSOR cursor);
 int WINAPI ShowCursor(BOOL show);
 HICON WINAPI LoadIconA(HINSTANCE instance, LPCSTR name);
-// Icons from the resources, or with IMAGE_BITMAP and LR_LOADFROMFILE a Windows or OS/2 bitmap file: 1, 4, 8, 16, 24 and
-// 32 bits, run lengths, both row orders. Null when the file cannot be read, is damaged, holds less than its header
-// claims, or is larger than 16384 pixels a side.
+// Icons from the resources, or with IMAGE_BITMAP and LR_LOADFROMFILE a Windows or OS/2 bitmap file: 1, 4, 8, 16, 24
+// and 32 bits, run lengths, both row orders. Null when the file cannot be read, is damaged, holds less than its
+// header claims, or is larger than 16384 pixels a side.
 HANDLE WINAPI LoadImageA(HINSTANCE instance, LPCSTR name, UINT type, int width, int height, UINT flags);
 
 // ---- keys and pointer ----
@@ -370,7 +370,8 @@ typedef struct tagMOUSEMOVEPOINT {
 #define GMMP_USE_DISPLAY_POINTS 1
 // The last positions that the pointer reported, newest first, at most 64; returns their number, -1 on bad arguments.
 // point is the newest position to start from; here its coordinates and time are not used to search: all are returned.
-int WINAPI GetMouseMovePointsEx(UINT size, MOUSEMOVEPOINT* point, MOUSEMOVEPOINT* buffer, int count, DWORD resolution);
+int WINAPI GetMouseMovePointsEx(UINT size, MOUSEMOVEPOINT* point, MOUSEMOVEPOINT* buffer, int count,
+                                DWORD resolution);
 
 #define MB_ICONASTERISK 0x00000040
 BOOL WINAPI MessageBeep(UINT type);
@@ -382,6 +383,6 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE previousInstance, LPSTR command
 
 // ---- strings ----
 
-// Copies the text of a string resource, at most size - 1 bytes; returns its length, 0 (and an empty buffer) when there
-// is none.
+// Copies the text of a string resource, at most size - 1 bytes; returns its length, 0 (and an empty buffer) when
+// there is none.
 int WINAPI LoadStringA(HINSTANCE instance, UINT id, LPSTR buffer, int size);

@@ -28,16 +28,16 @@ enum HostModifiers { hostShift = 1, hostControl = 2, hostAlt = 4 }; // hostAlt: 
 enum HostButtons { hostLeftButton = 1, hostRightButton = 2 };
 
 struct HostEvent {
-    int kind;            // HostEventKind
-    void* token;         // of the window that it belongs to, as given to createWindow
-    int screenX;         // pointer at the time of the event
+    int kind;    // HostEventKind
+    void* token; // of the window that it belongs to, as given to createWindow
+    int screenX; // pointer at the time of the event
     int screenY;
-    int button;          // HostButtons, one of them
-    unsigned buttons;    // held after the event
-    unsigned modifiers;  // HostModifiers, held at the event
+    int button;         // HostButtons, one of them
+    unsigned buttons;   // held after the event
+    unsigned modifiers; // HostModifiers, held at the event
     int delta;
-    int key;             // Windows virtual-key code
-    int character;       // 0 to 255; Ctrl+letter gives 1 to 26; 0 when the key has none
+    int key;       // Windows virtual-key code
+    int character; // 0 to 255; Ctrl+letter gives 1 to 26; 0 when the key has none
     int code;
     int position;
     HostScrollBar* bar;
@@ -114,7 +114,8 @@ struct Host {
     void (*stop)();
     void (*screenSize)(int* width, int* height);
 
-    // Collects what has happened; when nothing waits, waits up to waitMilliseconds for the next event (0: not at all).
+    // Collects what has happened; when nothing waits, waits up to waitMilliseconds for the next event (0: not at
+    // all).
     void (*pump)(int waitMilliseconds);
     // Takes the oldest collected event; 0 when there is none.
     int (*nextEvent)(HostEvent* event);
@@ -130,8 +131,8 @@ struct Host {
     void (*limitSize)(HostWindow* window, int minWidth, int minHeight, int maxWidth, int maxHeight);
     void (*setTitle)(HostWindow* window, const char* title);
     void (*setIcons)(HostWindow* window, const HostImage* images, int count);
-    // The pixels of the client area (0x00RRGGBB, rows top-down, stride in pixels), owned by the caller and readable until
-    // replaced; the host reads them whenever the window has to show.
+    // The pixels of the client area (0x00RRGGBB, rows top-down, stride in pixels), owned by the caller and readable
+    // until replaced; the host reads them whenever the window has to show.
     void (*setPicture)(HostWindow* window, const uint32_t* pixels, int width, int height, int stride);
     // Brings a part of the picture (client coordinates) to the screen now.
     void (*present)(HostWindow* window, const HostRect* part);
@@ -148,7 +149,7 @@ struct Host {
     unsigned (*buttons)();
     unsigned (*modifiers)();
     void (*warpPointer)(int x, int y);
-    void (*capturePointer)(HostWindow* window); // null releases
+    void (*capturePointer)(HostWindow* window);                              // null releases
     void (*setCursor)(int kind, const HostImage* image, int hotX, int hotY); // HostCursorKind
     // Shows these lines above everything, instead of the ones before; none hides them.
     void (*showOutline)(const HostSegment* segments, int count);

@@ -17,9 +17,9 @@ struct ModuleString {
     const char* text; // UTF-8
 };
 
-// Formats: RT_BITMAP a packed device-independent bitmap (header, colour table, rows); RT_CURSOR a .cur file, RT_ICON an
-// .ico file, both numbered by their group; "WAVE" a RIFF file; RT_MENU text: a line for each title ("File") and below
-// it, indented by two blanks, its items ("101 New Map...|Ctrl+N", or "-" for a separator).
+// Formats: RT_BITMAP a packed device-independent bitmap (header, colour table, rows); RT_CURSOR a .cur file, RT_ICON
+// an .ico file, both numbered by their group; "WAVE" a RIFF file; RT_MENU text: a line for each title ("File") and
+// below it, indented by two blanks, its items ("101 New Map...|Ctrl+N", or "-" for a separator).
 extern const ModuleResource moduleResources[];
 extern const int moduleResourceCount;
 extern const ModuleString moduleStrings[]; // in the order of their ids
