@@ -80,8 +80,8 @@ std::vector<Line> LinesToShow()
     if (lines.empty())
         return {oddLines.begin(), oddLines.end()};
     for (const Line& pixel : oddLines) {
-        if (IsPixel(pixel))
-            std::find_if(lines.begin(), lines.end(), [&](Line& line) { return Absorb(line, pixel); });
+        for (size_t i = 0; IsPixel(pixel) && i < lines.size() && !Absorb(lines[i], pixel); i++) {
+        }
     }
     return lines;
 }
@@ -105,6 +105,7 @@ void ShowPendingOutline()
         return;
     shownLines = lines;
     std::vector<HostSegment> segments;
+    segments.reserve(lines.size());
     for (const Line& line : lines)
         segments.push_back({line.x0, line.y0, line.x1, line.y1});
     host->showOutline(segments.data(), static_cast<int>(segments.size()));

@@ -403,7 +403,7 @@ void ScriptText(const char* text, int delay)
             key = std::toupper(static_cast<unsigned char>(character));
             shift = key == character;
         } else if (character < ' ') {
-            key = character;
+            key = static_cast<unsigned char>(character);
         }
         for (const KeyRow& row : keyTable) {
             if (key == 0 && (row.plain == character || row.shifted == character)) {
