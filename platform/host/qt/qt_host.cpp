@@ -104,7 +104,7 @@ int Start()
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
     QCoreApplication::setApplicationName(QString::fromLatin1(name));
     QApplication::setDesktopSettingsAware(false);
-    QApplication::setStyle(new Style); // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks): Qt owns it
+    QApplication::setStyle(new Style); // Qt owns it
     application = new QApplication(argumentCount, arguments);
     // Every position that the pointer reports is wanted. Making the application object turns this on.
     QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
