@@ -43,12 +43,12 @@ BOOL WINAPI StretchBlt(HDC destination, int x, int y, int width, int height, HDC
         ConvertRow(colours.data(), rows, left, top + static_cast<int>(row), sourceWidth);
         const RECT band = {area.left, lines[row], area.right, lines[row + 1]};
         ForEachVisiblePart(destination, surface, band, [&](const RECT& part) {
-            for (size_t i = 0; i < colours.size(); i++) {
-                const LONG from = std::max(part.left, columns[i]);
-                const LONG count = std::min(part.right, columns[i + 1]) - from;
-                uint32_t* block = PixelAddress(surface, from, part.top);
-                for (LONG below = part.top; below < part.bottom; below++, block += surface->stride)
-                    FillPixels(block, count, colours[i]);
+            for (LONG below = part.top; below < part.bottom; below++) {
+                uint32_t* line = PixelAddress(surface, 0, below);
+                for (size_t i = 0; i < colours.size(); i++) {
+                    const LONG from = std::max(part.left, columns[i]);
+                    FillPixels(line + from, std::min(part.right, columns[i + 1]) - from, colours[i]);
+                }
             }
         });
     }
