@@ -8,6 +8,7 @@
 
 #include "editing/overlay.h"
 #include "editing/stroke.h"
+#include "editing/whole_map.h"
 #include "mapdata/map_record.h"
 #include "toolbox/shell_door.h"
 #include "toolbox/windows.h"
@@ -185,5 +186,17 @@ void TerrainAnalysis(benchmark::State& state)
     }
 }
 BENCHMARK(TerrainAnalysis)->Unit(benchmark::kMillisecond);
+
+// Each of the three operations, over all cells of the largest map.
+void WholeMapOperation(benchmark::State& state)
+{
+    OpenLargestMap();
+    void (*const operations[])() = {RaiseWoodsAndTownsToR2, ClearEveryFeature, ClearEveryMoveCost};
+    for (auto _ : state) {
+        operations[state.range(0)]();
+        benchmark::ClobberMemory();
+    }
+}
+BENCHMARK(WholeMapOperation)->DenseRange(0, 2)->Unit(benchmark::kMicrosecond);
 
 } // namespace

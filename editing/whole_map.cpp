@@ -23,32 +23,44 @@ void ChangeEveryCell(Change change)
 
 } // namespace
 
-void RemoveAllFeatures()
+void ClearEveryFeature()
 {
-    if (!YesNoAlert(280, 140, questionList, 161, nullptr)) {
-        return;
-    }
     ChangeEveryCell([](TerrainCell cell) { return cell & cellMoveCostMask; });
-    InvalidateMapRect(nullptr);
 }
 
-void ZeroAllMoveCosts()
+void ClearEveryMoveCost()
 {
-    if (!YesNoAlert(300, 120, questionList, 162, nullptr)) {
-        return;
-    }
     ChangeEveryCell([](TerrainCell cell) { return cell & cellFeaturesMask; });
 }
 
-void SetWoodsAndTownsToR2()
+void RaiseWoodsAndTownsToR2()
 {
-    if (!YesNoAlert(200, 100, questionList, 160, nullptr)) {
-        return;
-    }
     ChangeEveryCell([](TerrainCell cell) {
         const bool slows = (cell & (cellWoods | cellTown)) != 0 && cell >> cellMoveCostShift < rough2Code;
         return slows ? (cell & cellFeaturesMask) | rough2Code << cellMoveCostShift : cell;
     });
-    SystemBeep();
-    SystemBeep();
+}
+
+void RemoveAllFeatures()
+{
+    if (YesNoAlert(280, 140, questionList, 161, nullptr)) {
+        ClearEveryFeature();
+        InvalidateMapRect(nullptr);
+    }
+}
+
+void ZeroAllMoveCosts()
+{
+    if (YesNoAlert(300, 120, questionList, 162, nullptr)) {
+        ClearEveryMoveCost();
+    }
+}
+
+void SetWoodsAndTownsToR2()
+{
+    if (YesNoAlert(200, 100, questionList, 160, nullptr)) {
+        RaiseWoodsAndTownsToR2();
+        SystemBeep();
+        SystemBeep();
+    }
 }

@@ -4,3 +4,8 @@
 void RemoveAllFeatures();
 void ZeroAllMoveCosts();
 void SetWoodsAndTownsToR2();
+
+// The changes themselves, without question, repaint or beep.
+void ClearEveryFeature();
+void ClearEveryMoveCost();
+void RaiseWoodsAndTownsToR2(); // only cells of a lower cost
