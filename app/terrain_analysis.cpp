@@ -86,9 +86,8 @@ int GroundOf(TerrainCell cell)
 
 Rect CellsRect(int firstColumn, int endColumn, int row)
 {
-    Rect rect;
-    SetRect(&rect, firstColumn * cellSize, row * cellSize, endColumn * cellSize, (row + 1) * cellSize);
-    return rect;
+    return {static_cast<int16_t>(row * cellSize), static_cast<int16_t>(firstColumn * cellSize),
+            static_cast<int16_t>((row + 1) * cellSize), static_cast<int16_t>(endColumn * cellSize)};
 }
 
 void CopyNoGoTile(TerrainCell cell, const Rect& place)
@@ -162,8 +161,9 @@ void DrawRowMarks(int row, const AnalysisBrushes& brushes)
             continue;
         }
         const Rect place = CellsRect(column, column + 1, row);
-        Rect centre = place;
-        OutsetRect(&centre, -markInset, -markInset);
+        const Rect centre = {
+            static_cast<int16_t>(place.top + markInset), static_cast<int16_t>(place.left + markInset),
+            static_cast<int16_t>(place.bottom - markInset), static_cast<int16_t>(place.right - markInset)};
         const bool showsTile = GroundOf(cell) == tileGround;
         if (showsTile) {
             CopyNoGoTile(cell, place);
@@ -184,7 +184,7 @@ void DrawRowMarks(int row, const AnalysisBrushes& brushes)
 // the ground they are filled. A few rows at a time, so that their marks find them in the processor's cache.
 void DrawRows(HDC ground, const AnalysisBrushes& brushes)
 {
-    constexpr int rowsAtATime = 4;
+    constexpr int rowsAtATime = 2;
     const int columns = currentMap.record.columnCount;
     const int rows = currentMap.record.rowCount;
     for (int first = 0; first < rows; first += rowsAtATime) {

@@ -7,9 +7,20 @@
 // Where each source pixel begins among the destination's, and where the last one ends.
 static std::vector<LONG> Boundaries(LONG begin, int sourceSize, int destinationSize)
 {
-    std::vector<LONG> boundaries;
-    for (int i = 0; i <= sourceSize; i++)
-        boundaries.push_back(begin + static_cast<LONG>(static_cast<int64_t>(i) * destinationSize / sourceSize));
+    std::vector<LONG> boundaries(static_cast<size_t>(sourceSize) + 1);
+    const int step = destinationSize / sourceSize;
+    const int remainder = destinationSize % sourceSize;
+    LONG boundary = begin;
+    int rest = 0;
+    for (LONG& entry : boundaries) {
+        entry = boundary;
+        boundary += step;
+        rest += remainder;
+        if (rest >= sourceSize) {
+            rest -= sourceSize;
+            boundary++;
+        }
+    }
     return boundaries;
 }
 
@@ -39,16 +50,17 @@ BOOL WINAPI StretchBlt(HDC destination, int x, int y, int width, int height, HDC
     const std::vector<LONG> columns = Boundaries(area.left, sourceWidth, width);
     const std::vector<LONG> lines = Boundaries(area.top, sourceHeight, height);
     std::vector<uint32_t> colours(static_cast<size_t>(sourceWidth));
+    std::vector<LONG> edges(columns.size()); // the columns, clipped
     for (size_t row = 0; row + 1 < lines.size(); row++) {
         ConvertRow(colours.data(), rows, left, top + static_cast<int>(row), sourceWidth);
         const RECT band = {area.left, lines[row], area.right, lines[row + 1]};
         ForEachVisiblePart(destination, surface, band, [&](const RECT& part) {
+            for (size_t i = 0; i < columns.size(); i++)
+                edges[i] = std::clamp(columns[i], part.left, part.right);
             for (LONG below = part.top; below < part.bottom; below++) {
                 uint32_t* line = PixelAddress(surface, 0, below);
-                for (size_t i = 0; i < colours.size(); i++) {
-                    const LONG from = std::max(part.left, columns[i]);
-                    FillPixels(line + from, std::min(part.right, columns[i + 1]) - from, colours[i]);
-                }
+                for (size_t i = 0; i < colours.size(); i++)
+                    FillPixels(line + edges[i], edges[i + 1] - edges[i], colours[i]);
             }
         });
     }
