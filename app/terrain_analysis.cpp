@@ -117,87 +117,131 @@ void FillRowGround(int row, const AnalysisBrushes& brushes)
     }
 }
 
-// A bitmap with one pixel for each cell, in the colour of its ground. Null when a cell shows the art, or on failure.
-HBITMAP CreateGroundBitmap()
+// ---- cells one by one ----
+
+void DrawCellMarks(TerrainCell cell, const Rect& place, const AnalysisBrushes& brushes)
 {
-    const int columns = currentMap.record.columnCount;
-    const int rows = currentMap.record.rowCount;
-    struct {
-        BITMAPINFOHEADER header;
-        RGBQUAD colours[groundCount];
-    } info = {};
-    info.header.biSize = sizeof info.header;
-    info.header.biWidth = columns;
-    info.header.biHeight = -rows; // from the top down
-    info.header.biPlanes = 1;
-    info.header.biBitCount = 8;
-    info.header.biClrUsed = groundCount;
-    for (int i = 0; i < groundCount; i++) {
-        const COLORREF colour = groundColours[i];
-        info.colours[i] = {GetBValue(colour), GetGValue(colour), GetRValue(colour), 0};
+    const Rect centre = {static_cast<int16_t>(place.top + markInset), static_cast<int16_t>(place.left + markInset),
+                         static_cast<int16_t>(place.bottom - markInset),
+                         static_cast<int16_t>(place.right - markInset)};
+    const bool showsTile = GroundOf(cell) == tileGround;
+    if (showsTile) {
+        CopyNoGoTile(cell, place);
     }
-    const size_t rowBytes = static_cast<size_t>(columns + 3) / 4 * 4;
-    std::vector<BYTE> pixels(rowBytes * static_cast<size_t>(rows));
-    for (int column = 0; column < columns; column++) {
-        for (int row = 0; row < rows; row++) {
-            const int ground = GroundOf(currentMap.cellColumns[column][row]);
-            if (ground == artGround) {
-                return nullptr;
-            }
-            // A tile will cover its square, whatever colour that has.
-            pixels[static_cast<size_t>(row) * rowBytes + static_cast<size_t>(column)] =
-                static_cast<BYTE>(std::max<int>(ground, roadGround));
-        }
+    if ((cell & cellWoods) && !showsTile) {
+        FillRectBrush(&centre, brushes.woods);
     }
-    return CreateDIBitmap(shell.mapWindowDC, &info.header, CBM_INIT, pixels.data(),
-                          reinterpret_cast<const BITMAPINFO*>(&info), DIB_RGB_COLORS);
+    if ((cell & cellTown) && !showsTile) {
+        FillRectBrush(&centre, brushes.town);
+    }
+    if (cell & cellHiLow) {
+        FrameRectBrush(&place, brushes.hiLow);
+    }
 }
 
-void DrawRowMarks(int row, const AnalysisBrushes& brushes)
+void DrawRowCellByCell(int row, const AnalysisBrushes& brushes)
+{
+    FillRowGround(row, brushes);
+    for (int column = 0; column < currentMap.record.columnCount; column++) {
+        DrawCellMarks(currentMap.cellColumns[column][row], CellsRect(column, column + 1, row), brushes);
+    }
+}
+
+// ---- whole rows ----
+
+// The three lines of pixels that a row of cells is made of, besides its tiles.
+struct RowLines {
+    BITMAPINFO info; // of one line
+    std::vector<DWORD> border;
+    std::vector<DWORD> side;
+    std::vector<DWORD> middle;
+};
+
+constexpr DWORD DibPixel(COLORREF colour)
+{
+    return static_cast<DWORD>(GetRValue(colour)) << 16 | static_cast<DWORD>(GetGValue(colour)) << 8 |
+           GetBValue(colour);
+}
+
+void PrepareRowLines(RowLines* lines)
+{
+    const int width = currentMap.record.columnCount * cellSize;
+    BITMAPINFOHEADER& header = lines->info.bmiHeader;
+    header.biSize = sizeof header;
+    header.biWidth = width;
+    header.biHeight = 1;
+    header.biPlanes = 1;
+    header.biBitCount = 32;
+    for (std::vector<DWORD>* line : {&lines->border, &lines->side, &lines->middle}) {
+        line->resize(static_cast<size_t>(width));
+    }
+}
+
+void ComposeCell(TerrainCell cell, int ground, DWORD* border, DWORD* side, DWORD* middle)
+{
+    const DWORD groundPixel = DibPixel(groundColours[ground]);
+    const DWORD edgePixel = cell & cellHiLow ? DibPixel(hiLowColour) : groundPixel;
+    std::fill_n(border, cellSize, edgePixel);
+    std::fill_n(side, cellSize, groundPixel);
+    std::fill_n(middle, cellSize, groundPixel);
+    if (cell & (cellWoods | cellTown)) {
+        std::fill_n(middle + markInset, cellSize - 2 * markInset,
+                    DibPixel(cell & cellTown ? townColour : woodsColour));
+    }
+    side[0] = side[cellSize - 1] = middle[0] = middle[cellSize - 1] = edgePixel;
+}
+
+// False when a cell of the row shows the art.
+bool ComposeRow(RowLines* lines, int row)
 {
     for (int column = 0; column < currentMap.record.columnCount; column++) {
         const TerrainCell cell = currentMap.cellColumns[column][row];
-        if ((cell & (cellWoods | cellTown | cellHiLow | cellNoGoMask)) == 0) {
-            continue;
+        const int ground = GroundOf(cell);
+        if (ground == artGround) {
+            return false;
         }
-        const Rect place = CellsRect(column, column + 1, row);
-        const Rect centre = {
-            static_cast<int16_t>(place.top + markInset), static_cast<int16_t>(place.left + markInset),
-            static_cast<int16_t>(place.bottom - markInset), static_cast<int16_t>(place.right - markInset)};
-        const bool showsTile = GroundOf(cell) == tileGround;
-        if (showsTile) {
-            CopyNoGoTile(cell, place);
-        }
-        if ((cell & cellWoods) && !showsTile) {
-            FillRectBrush(&centre, brushes.woods);
-        }
-        if ((cell & cellTown) && !showsTile) {
-            FillRectBrush(&centre, brushes.town);
-        }
-        if (cell & cellHiLow) {
-            FrameRectBrush(&place, brushes.hiLow);
+        // A tile will cover its square, whatever colour that has.
+        const size_t start = static_cast<size_t>(column) * cellSize;
+        ComposeCell(cell, std::max<int>(ground, roadGround), &lines->border[start], &lines->side[start],
+                    &lines->middle[start]);
+    }
+    return true;
+}
+
+void CopyLine(const RowLines& lines, const std::vector<DWORD>& line, int top, int height)
+{
+    const int width = lines.info.bmiHeader.biWidth;
+    StretchDIBits(view.mapImage->dc, 0, top, width, height, 0, 0, width, 1, line.data(), &lines.info, DIB_RGB_COLORS,
+                  SRCCOPY);
+}
+
+void DrawRowFromLines(const RowLines& lines, int row, const AnalysisBrushes& brushes)
+{
+    constexpr int sideHeight = markInset - 1;
+    const int top = row * cellSize;
+    CopyLine(lines, lines.border, top, 1);
+    CopyLine(lines, lines.side, top + 1, sideHeight);
+    CopyLine(lines, lines.middle, top + markInset, cellSize - 2 * markInset);
+    CopyLine(lines, lines.side, top + cellSize - markInset, sideHeight);
+    CopyLine(lines, lines.border, top + cellSize - 1, 1);
+    for (int column = 0; column < currentMap.record.columnCount; column++) {
+        const TerrainCell cell = currentMap.cellColumns[column][row];
+        if (GroundOf(cell) == tileGround) {
+            DrawCellMarks(cell, CellsRect(column, column + 1, row), brushes);
         }
     }
 }
 
-// The squares come from stretching copies, which are much faster than one fill after another; without the bitmap of
-// the ground they are filled. A few rows at a time, so that their marks find them in the processor's cache.
-void DrawRows(HDC ground, const AnalysisBrushes& brushes)
+// Repeating a row's lines takes little more than writing its pixels once, a fill for every square many times that.
+void DrawRows(const AnalysisBrushes& brushes)
 {
-    constexpr int rowsAtATime = 2;
-    const int columns = currentMap.record.columnCount;
-    const int rows = currentMap.record.rowCount;
-    for (int first = 0; first < rows; first += rowsAtATime) {
-        const int end = std::min(first + rowsAtATime, rows);
-        if (ground != nullptr) {
-            StretchBlt(view.mapImage->dc, 0, first * cellSize, columns * cellSize, (end - first) * cellSize, ground,
-                       0, first, columns, end - first, SRCCOPY);
-        }
-        for (int row = first; row < end; row++) {
-            if (ground == nullptr) {
-                FillRowGround(row, brushes);
-            }
-            DrawRowMarks(row, brushes);
+    RowLines lines = {};
+    PrepareRowLines(&lines);
+    for (int row = 0; row < currentMap.record.rowCount; row++) {
+        if (ComposeRow(&lines, row)) {
+            DrawRowFromLines(lines, row, brushes);
+        } else {
+            DrawRowCellByCell(row, brushes);
         }
     }
 }
@@ -214,18 +258,7 @@ void RenderTerrainAnalysis()
     uintptr_t savedDevice;
     GetGWorld(&savedPort, &savedDevice);
     SetGWorld(view.mapImage, 0);
-    const HBITMAP ground = CreateGroundBitmap();
-    if (ground != nullptr) {
-        const HDC source = CreateCompatibleDC(shell.mapWindowDC);
-        const HGDIOBJ displaced = SelectObject(source, ground);
-        SetStretchBltMode(view.mapImage->dc, COLORONCOLOR);
-        DrawRows(source, brushes);
-        SelectObject(source, displaced);
-        DeleteDC(source);
-        DeleteObject(ground);
-    } else {
-        DrawRows(nullptr, brushes);
-    }
+    DrawRows(brushes);
     SetPort(savedPort);
     DeleteBrushes(brushes);
     RedrawUTMGridIfShown();

@@ -60,7 +60,6 @@ std::string FuzzBitmap(const uint8_t* bytes, size_t size)
     for (const POINT& corner : corners) {
         BitBlt(target, 0, 0, pictureSide, pictureSide, source, corner.x, corner.y, SRCCOPY);
     }
-    StretchBlt(target, 3, 3, 20, 20, source, 0, 0, shape.bmWidth, shape.bmHeight, SRCCOPY);
     SelectObject(source, displaced);
     DeleteDC(source);
     DeleteSurfaceDC(target);

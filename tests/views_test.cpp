@@ -250,6 +250,17 @@ TEST_F(ViewsTest, NewUTMNumbersAreDrawnAtOnce)
 
 // ---- terrain analysis ----
 
+static std::vector<uint32_t> CellSeenAt(int left, int top)
+{
+    std::vector<uint32_t> pixels;
+    for (int v = top; v < top + cellSize; v++) {
+        for (int h = left; h < left + cellSize; h++) {
+            pixels.push_back(SeenAt(h, v));
+        }
+    }
+    return pixels;
+}
+
 TEST_F(ViewsTest, TheAnalysisShowsEachCellsTerrain)
 {
     struct Row {
@@ -287,6 +298,9 @@ TEST_F(ViewsTest, TheAnalysisShowsEachCellsTerrain)
     OpenWith([&](MapFile* map) {
         for (size_t i = 0; i < std::size(rows); i++) {
             map->Cell(2 * static_cast<int>(i) + 1, 10) = rows[i].word;
+            if (rows[i].ring != art) {
+                map->Cell(2 * static_cast<int>(i) + 1, 12) = rows[i].word; // a row without cells that show the art
+            }
         }
     });
     ThenCheck([this] { before = Screen(); });
@@ -296,6 +310,9 @@ TEST_F(ViewsTest, TheAnalysisShowsEachCellsTerrain)
         EXPECT_EQ(headless.cursorKind, hostCursorArrow);
         for (size_t i = 0; i < std::size(rows); i++) {
             const int left = 20 * static_cast<int>(i) + 10;
+            if (rows[i].ring != art) {
+                EXPECT_EQ(CellSeenAt(left, 120), CellSeenAt(left, 100)) << rows[i].word;
+            }
             const auto expect = [&](int inset, uint32_t wanted) {
                 const uint32_t seen = SeenAt(left + inset, 100 + inset);
                 if (wanted == tile) {

@@ -125,12 +125,11 @@ int WINAPI GetObjectA(HANDLE object, int size, LPVOID record);
 BOOL WINAPI BitBlt(HDC destination, int x, int y, int width, int height, HDC source, int sourceX, int sourceY,
                    DWORD operation);
 
-#define COLORONCOLOR 3
-// Only COLORONCOLOR, which leaves pixels out or repeats them; it is what StretchBlt does here in any case.
-int WINAPI SetStretchBltMode(HDC dc, int mode);
-// Only between different device contexts, not mirrored, and from inside the source.
-BOOL WINAPI StretchBlt(HDC destination, int x, int y, int width, int height, HDC source, int sourceX, int sourceY,
-                       int sourceWidth, int sourceHeight, DWORD operation);
+// Fills the destination from a device-independent bitmap, repeating or leaving out rows and pixels without mixing
+// colours. Only SRCCOPY, DIB_RGB_COLORS, uncompressed 32 bits, not mirrored, and all of the bitmap's width and
+// height. Returns the number of rows read, 0 when nothing was drawn for one of these reasons.
+int WINAPI StretchDIBits(HDC dc, int x, int y, int width, int height, int sourceX, int sourceY, int sourceWidth,
+                         int sourceHeight, const void* bits, const BITMAPINFO* info, UINT usage, DWORD operation);
 
 // ---- palettes ----
 

@@ -1,8 +1,13 @@
-// Stretching blits: every source pixel becomes a block, or is left out, without mixing colours.
+// Stretching copies: every source pixel becomes a block, or is left out, without mixing colours.
 #include "platform/gdi/objects.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <vector>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 // Where each source pixel begins among the destination's, and where the last one ends.
 static std::vector<LONG> Boundaries(LONG begin, int sourceSize, int destinationSize)
@@ -24,45 +29,88 @@ static std::vector<LONG> Boundaries(LONG begin, int sourceSize, int destinationS
     return boundaries;
 }
 
-int WINAPI SetStretchBltMode(HDC dc, int mode)
+// Pictures larger than this are not kept whole in a processor's cache anyway.
+constexpr int64_t streamedSurfacePixels = int64_t{4} << 20;
+
+// Writes past the cache: an ordinary store reads the memory first that it is about to overwrite, which for a large
+// picture takes as long as the writing.
+static void StreamPixels(uint32_t* destination, const uint32_t* source, LONG count)
 {
-    return dc && mode == COLORONCOLOR ? COLORONCOLOR : 0;
+#if defined(__SSE2__)
+    constexpr LONG blockSize = 4;
+    constexpr uintptr_t alignment = sizeof(__m128i);
+    while (count > 0 && reinterpret_cast<uintptr_t>(destination) % alignment != 0) {
+        *destination++ = *source++;
+        count--;
+    }
+    for (; count >= blockSize; count -= blockSize) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(source));
+        _mm_stream_si128(reinterpret_cast<__m128i*>(destination), block);
+        destination += blockSize;
+        source += blockSize;
+    }
+#endif
+    memcpy(destination, source, static_cast<size_t>(count) * sizeof *source);
 }
 
-BOOL WINAPI StretchBlt(HDC destination, int x, int y, int width, int height, HDC source, int sourceX, int sourceY,
-                       int sourceWidth, int sourceHeight, DWORD operation)
+static void EndStreaming()
 {
-    PixelRows rows;
-    if (!destination || !source || operation != SRCCOPY || !SourceRows(source, &rows) || destination == source)
-        return FALSE;
-    const int left = DeviceX(source, sourceX);
-    const int top = DeviceY(source, sourceY);
-    constexpr int largest = 1 << 16;
-    if (width <= 0 || height <= 0 || width > largest || height > largest || std::abs(x) > largest ||
-        std::abs(y) > largest || sourceWidth <= 0 || sourceHeight <= 0 || left < 0 || top < 0 ||
-        sourceWidth > rows.width - left || sourceHeight > rows.height - top)
-        return FALSE;
-    Surface* surface = DrawingSurface(destination);
-    if (!surface)
-        return TRUE;
+#if defined(__SSE2__)
+    _mm_sfence(); // streamed stores are not ordered with later ones
+#endif
+}
 
-    const RECT area = DeviceRect(destination, {x, y, x + width, y + height});
-    const std::vector<LONG> columns = Boundaries(area.left, sourceWidth, width);
+static void StretchLine(std::vector<uint32_t>* line, const uint32_t* row, const std::vector<LONG>& columns)
+{
+    for (size_t i = 0; i + 1 < columns.size(); i++)
+        FillPixels(line->data() + columns[i], columns[i + 1] - columns[i], row[i]);
+}
+
+int WINAPI StretchDIBits(HDC dc, int x, int y, int width, int height, int sourceX, int sourceY, int sourceWidth,
+                         int sourceHeight, const void* bits, const BITMAPINFO* info, UINT usage, DWORD operation)
+{
+    constexpr int largest = 1 << 16;
+    if (!dc || !bits || !info || usage != DIB_RGB_COLORS || operation != SRCCOPY)
+        return 0;
+    const BITMAPINFOHEADER& header = info->bmiHeader;
+    if (header.biBitCount != 32 || header.biCompression != BI_RGB || sourceX != 0 || sourceY != 0 ||
+        sourceWidth != header.biWidth || sourceHeight != std::abs(int64_t{header.biHeight}))
+        return 0;
+    if (sourceWidth <= 0 || sourceHeight <= 0 || width <= 0 || height <= 0 || width > largest || height > largest ||
+        std::abs(int64_t{x}) > largest || std::abs(int64_t{y}) > largest)
+        return 0;
+    Surface* surface = DrawingSurface(dc);
+    if (!surface)
+        return sourceHeight;
+
+    const RECT area = DeviceRect(dc, {x, y, x + width, y + height});
     const std::vector<LONG> lines = Boundaries(area.top, sourceHeight, height);
-    std::vector<uint32_t> colours(static_cast<size_t>(sourceWidth));
-    std::vector<LONG> edges(columns.size()); // the columns, clipped
-    for (size_t row = 0; row + 1 < lines.size(); row++) {
-        ConvertRow(colours.data(), rows, left, top + static_cast<int>(row), sourceWidth);
-        const RECT band = {area.left, lines[row], area.right, lines[row + 1]};
-        ForEachVisiblePart(destination, surface, band, [&](const RECT& part) {
-            for (size_t i = 0; i < columns.size(); i++)
-                edges[i] = std::clamp(columns[i], part.left, part.right);
+    const bool streamed = int64_t{surface->width} * surface->height > streamedSurfacePixels;
+    std::vector<LONG> columns;
+    std::vector<uint32_t> stretched; // a row, where it is not as wide as the area
+    if (width != sourceWidth) {
+        columns = Boundaries(0, sourceWidth, width);
+        stretched.resize(static_cast<size_t>(width));
+    }
+    for (int i = 0; i < sourceHeight; i++) {
+        const int storedRow = header.biHeight < 0 ? i : sourceHeight - 1 - i;
+        const uint32_t* row = static_cast<const uint32_t*>(bits) + static_cast<ptrdiff_t>(storedRow) * sourceWidth;
+        if (width != sourceWidth)
+            StretchLine(&stretched, row, columns);
+        const uint32_t* line = width != sourceWidth ? stretched.data() : row;
+        const RECT band = {area.left, lines[static_cast<size_t>(i)], area.right, lines[static_cast<size_t>(i) + 1]};
+        ForEachVisiblePart(dc, surface, band, [&](const RECT& part) {
+            const uint32_t* from = line + (part.left - area.left);
+            const LONG count = part.right - part.left;
             for (LONG below = part.top; below < part.bottom; below++) {
-                uint32_t* line = PixelAddress(surface, 0, below);
-                for (size_t i = 0; i < colours.size(); i++)
-                    FillPixels(line + edges[i], edges[i + 1] - edges[i], colours[i]);
+                if (streamed)
+                    StreamPixels(PixelAddress(surface, part.left, below), from, count);
+                else
+                    memcpy(PixelAddress(surface, part.left, below), from, static_cast<size_t>(count) * sizeof *from);
             }
         });
     }
-    return TRUE;
+    if (streamed)
+        EndStreaming();
+    return sourceHeight;
 }
