@@ -85,10 +85,10 @@ constexpr int CellCountOf(int pixels)
     return pixels / cellSize + (pixels % cellSize != 0 ? 1 : 0);
 }
 
-// The cell word at (x, y), or null outside the grid.
+// The cell word at (x, y), or null outside the grid and while there is none.
 inline TerrainCell* CellAt(int x, int y)
 {
-    if (x < 0 || y < 0 || x >= currentMap.record.columnCount || y >= currentMap.record.rowCount) {
+    if (x < 0 || y < 0 || x >= currentMap.allocatedColumns || y >= currentMap.record.rowCount) {
         return nullptr;
     }
     return &currentMap.cellColumns[x][y];

@@ -386,7 +386,7 @@ std::string MarkedCells()
 {
     std::string text;
     for (int y = 0; y < currentMap.record.rowCount; y++) {
-        for (int x = 0; x < currentMap.record.columnCount; x++) {
+        for (int x = 0; x < currentMap.allocatedColumns; x++) {
             if (CellWord(x, y) != 0) {
                 char entry[32];
                 std::snprintf(entry, sizeof entry, "%s%d,%d=%04X", text.empty() ? "" : " ", x, y, CellWord(x, y));
