@@ -288,6 +288,58 @@ TEST_F(NewMapTest, PropertiesChangeWithOKWhenTheyAreInTheirLimits)
     Run();
 }
 
+// Only digits are taken, at most 63; an empty field counts as 0.
+TEST_F(NewMapTest, EveryFieldStandsAnyTyping)
+{
+    struct Field {
+        int command; // 101 for the dialog of a new map
+        int itemID;
+        const char* error;
+        const int16_t* value; // where OK stores it
+    };
+    const MapRecord& record = currentMap.record;
+    const Field fields[] = {
+        {101, 105, versionError, &record.versionNumber},
+        {101, 106, eastingError, &record.utmEasting},
+        {101, 107, northingError, &record.utmNorthing},
+        {203, 105, versionError, &record.versionNumber},
+        {204, 106, eastingError, &record.utmEasting},
+        {204, 107, northingError, &record.utmNorthing},
+        {205, 105, idError, &record.mapID},
+    };
+    struct Typing {
+        std::string text;
+        int number; // -1 when no field takes it
+    };
+    const std::string tooLong(70, '9');
+    const Typing large[] = {{"", -1}, {"-250", 250}, {"+3-0+0", 300}, {"0999", 999}, {tooLong, -1}, {"-1", -1}};
+    const Typing small[] = {{"", 0}, {"-25", 25}, {"+3-0", 30}, {"099", 99}, {tooLong, -1}, {"-100", -1}};
+    WriteMap(MapFile(101, 600, 400));
+    Write("Map102c.bmp", ArtBytes(600, 400));
+    for (const Field& field : fields) {
+        for (const Typing& typing : field.itemID == 105 ? large : small) {
+            SCOPED_TRACE(std::to_string(field.command) + " " + std::to_string(field.itemID) + " " + typing.text);
+            if (field.command == 101) {
+                ChooseArt("Map102c.bmp");
+            } else {
+                OpenMap();
+                ScriptMenu(field.command);
+            }
+            TypeInto(field.itemID, typing.text);
+            if (typing.number < 0) {
+                ExpectRefusal(field.error, field.itemID);
+                ClickButton("Cancel");
+            } else {
+                ClickButton("OK");
+                ThenCheck([&] { EXPECT_EQ(*field.value, typing.number); });
+            }
+            ThenCheck([] { EXPECT_EQ(TopDialog(), nullptr); });
+            Quit();
+            Run();
+        }
+    }
+}
+
 TEST_F(NewMapTest, NumbersOutOfAFileAreShownAsTheyAreAndChecked)
 {
     MapFile map(101, 600, 400);
