@@ -18,6 +18,7 @@ class AreaFillTest : public EditorSession {
     }
 
     std::vector<uint32_t> before;
+    int presentsOfCancel = 0;
 };
 
 // Which cells carry the word, as "left,top-right,bottom" of a full block; otherwise all of them.
@@ -201,10 +202,10 @@ TEST_F(AreaFillTest, NoTraceOfTheBandStays)
             ScriptMove(640, 512);
             ThenCheck([this] { EXPECT_EQ(Difference(before, Screen()), "") << "after Cancel"; });
         }
-        AltDragOnMap({{345, 95}, {599, 399}});
+        AltDragOnMap({{599, 399}, {0, 0}});
         ClickButton("Fill");
         ThenCheck([] { EXPECT_EQ(Block(0x40), MarkedCells()); });
-        AltDragOnMap({{345, 95}, {599, 399}});
+        AltDragOnMap({{599, 399}, {0, 0}});
         ClickButton("Erase");
         AltDragOnMap({{340, 120}, {599, 129}});
         ClickButton("Fill");
@@ -215,6 +216,30 @@ TEST_F(AreaFillTest, NoTraceOfTheBandStays)
         Quit();
         Run();
     }
+}
+
+TEST_F(AreaFillTest, AFillIsShownAtOnceAndNotCellByCell)
+{
+    OpenWith();
+    for (const char palette : {'t', 'm'}) {
+        OpenPalette(palette);
+        ClickItem(202);
+        for (const char* answer : {"Cancel", "Fill"}) {
+            AltDragOnMap({{599, 399}, {0, 0}});
+            ThenCheck([] { headless.presentCount = 0; });
+            ClickButton(answer);
+            ThenCheck([=, this] {
+                EXPECT_EQ(Block(palette == 't' ? 0x40 : 0x840), *answer == 'F' ? "0,0-59,39" : "");
+                if (*answer == 'F') {
+                    EXPECT_LE(headless.presentCount, presentsOfCancel + 2);
+                }
+                presentsOfCancel = headless.presentCount;
+            });
+        }
+        ClosePalette();
+    }
+    Quit();
+    Run();
 }
 
 TEST_F(AreaFillTest, OnlyCellsThatAreWhollyInViewAreFilled)

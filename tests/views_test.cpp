@@ -115,7 +115,10 @@ TEST_F(ViewsTest, TheReadOutTellsTheTerrainUnderThePointer)
             }
         }
         EXPECT_GT(inked, 100) << "and is to be seen";
+        headless.presentCount = 0;
     });
+    ScriptWait(1000);
+    ThenCheck([] { EXPECT_EQ(headless.presentCount, 0) << "nothing is drawn while the pointer rests"; });
     ScriptKey(VK_F9);
     ThenCheck([] {
         EXPECT_STREQ(view.statusText, "");
