@@ -202,10 +202,10 @@ TEST_F(AreaFillTest, NoTraceOfTheBandStays)
             ScriptMove(640, 512);
             ThenCheck([this] { EXPECT_EQ(Difference(before, Screen()), "") << "after Cancel"; });
         }
-        AltDragOnMap({{599, 399}, {0, 0}});
+        AltDragOnMap({{345, 95}, {599, 399}});
         ClickButton("Fill");
         ThenCheck([] { EXPECT_EQ(Block(0x40), MarkedCells()); });
-        AltDragOnMap({{599, 399}, {0, 0}});
+        AltDragOnMap({{345, 95}, {599, 399}});
         ClickButton("Erase");
         AltDragOnMap({{340, 120}, {599, 129}});
         ClickButton("Fill");
