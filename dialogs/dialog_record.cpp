@@ -316,6 +316,10 @@ LRESULT CALLBACK DialogWindowProcedure(HWND window, UINT message, WPARAM wParam,
             DetachWindowPort(dialog);
         }
         break;
+    case WM_CLOSE:
+        // Never destroys the window under its owner's loop: as Escape, which closes a palette and nothing else.
+        PostMessageA(window, WM_CHAR, VK_ESCAPE, 0);
+        return 0;
     case WM_ERASEBKGND:
         return 1;
     case WM_MOUSEMOVE:

@@ -166,6 +166,7 @@ TEST_F(EveryDialogTest, DeclinedItChangesNothing)
         BringUp(row);
         if (!row.refusal.empty()) {
             ScriptKey(VK_ESCAPE); // only a palette has a close box that it could stand for
+            ThenCheck([] { SendMessageA(TopDialog()->window, WM_CLOSE, 0, 0); });
             ExpectDialog(row);
         }
         Decline(row);

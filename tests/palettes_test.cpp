@@ -119,7 +119,7 @@ TEST_F(PalettesTest, TheMoveCostPalettesBoxesFormTheirGroups)
     Run();
 }
 
-TEST_F(PalettesTest, APaletteReopensWhereItWasLeftAndClosesInFourWays)
+TEST_F(PalettesTest, APaletteReopensWhereItWasLeftAndClosesInFiveWays)
 {
     const auto expectPlace = [](int left, int top) {
         ThenCheck([=] {
@@ -152,6 +152,9 @@ TEST_F(PalettesTest, APaletteReopensWhereItWasLeftAndClosesInFourWays)
     ScriptControl('t');
     expectPlace(30, 500);
     ScriptKey(VK_ESCAPE);
+    expectClosed();
+    OpenPalette('t', 30, 500);
+    ThenCheck([] { SendMessageA(TopDialog()->window, WM_CLOSE, 0, 0); }); // as the desktop asks it to
     expectClosed();
     Quit();
     Run();

@@ -502,7 +502,7 @@ TEST_F(User, PollingHandlesNoMessageAndYieldsWhenNothingIsNew)
     EXPECT_EQ(newest.x, 222);
 }
 
-TEST_F(User, ClosingGoesToTheFramedWindowAndMayBeRefused)
+TEST_F(User, ClosingGoesToItsWindowAndMayBeRefused)
 {
     HWND panel = MakePanel(0, 0, 40, 40);
     bool refuse = true;
@@ -513,9 +513,9 @@ TEST_F(User, ClosingGoesToTheFramedWindowAndMayBeRefused)
     Report(hostCloseRequest, panel, 0);
     Drain();
     EXPECT_EQ(std::count_if(seen.begin(), seen.end(),
-                            [&](const Seen& entry) { return entry.message == WM_CLOSE && entry.window == main; }),
+                            [&](const Seen& entry) { return entry.message == WM_CLOSE && entry.window == panel; }),
               1);
-    EXPECT_TRUE(IsWindow(main));
+    EXPECT_TRUE(IsWindow(main) && IsWindow(panel));
     refuse = false;
     Report(hostCloseRequest, main, 0);
     Drain();

@@ -218,9 +218,6 @@ void DeliverSentEvent(const HostEvent& event)
         HandleHostGeometry(HandleOf(event));
         return;
     case hostCloseRequest:
-        // Closing a palette or dialog from outside means closing the program's window.
-        if (!window || window->kind != framedWindow)
-            window = FirstFramedWindow();
         if (window)
             SendMessageA(window->handle, WM_CLOSE, 0, 0);
         return;
