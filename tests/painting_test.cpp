@@ -151,17 +151,19 @@ TEST_F(PaintingTest, PointsOutsideTheMapBelongToNoCell)
 TEST_F(PaintingTest, AFastFlickLeavesNoReportedPlaceOut)
 {
     std::string cells;
-    for (int x = 10; x < 50; x++) {
-        cells += (cells.empty() ? "" : " ") + std::to_string(x) + ",10=0040";
+    for (int cell = 0; cell < 40 * 20; cell++) {
+        cells += (cells.empty() ? "" : " ") + std::to_string(10 + cell % 40) + "," + std::to_string(10 + cell / 40) +
+                 "=0040";
     }
     const auto flick = [] {
         std::vector<MapPoint> points;
-        for (int h = 105; h < 500; h += 10) {
-            points.push_back({h, 105});
+        for (int i = 0; i < 40 * 20; i++) { // to and fro, row by row
+            const int column = i / 40 % 2 == 0 ? i % 40 : 39 - i % 40;
+            points.push_back({105 + 10 * column, 105 + 10 * (i / 40)});
         }
         DragOnMap(points, 0);
     };
-    ExpectCells('t', 202, nullptr, flick, cells, "40 places at one time");
+    ExpectCells('t', 202, nullptr, flick, cells, "800 places at one time");
 }
 
 TEST_F(PaintingTest, TheRightButtonPaintsOneCell)

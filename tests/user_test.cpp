@@ -367,19 +367,19 @@ TEST_F(User, MovesMergeInTheQueueButNotInTheHistory)
         messages.push_back(message.message);
     EXPECT_EQ(messages, (std::vector<UINT>{WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_MOUSEMOVE, WM_LBUTTONUP}));
 
-    MOUSEMOVEPOINT from = {}, history[64];
+    MOUSEMOVEPOINT from = {}, history[1024];
     const int count = GetMouseMovePointsEx(sizeof from, &from, history, 64, GMMP_USE_DISPLAY_POINTS);
     ASSERT_EQ(count, 7) << "six moves, and the release at a place of its own";
     EXPECT_EQ(history[0].x, 207);
     EXPECT_EQ(history[6].x, 200);
     EXPECT_LT(history[6].time, history[0].time);
-    EXPECT_EQ(GetMouseMovePointsEx(sizeof from, &from, history, 65, GMMP_USE_DISPLAY_POINTS), -1);
-    for (int i = 0; i < 100; i++)
+    EXPECT_EQ(GetMouseMovePointsEx(sizeof from, &from, history, 1025, GMMP_USE_DISPLAY_POINTS), -1);
+    for (int i = 0; i < 1100; i++)
         fake.events.push_back(PointerEvent(hostPointerMove, main, i, 0));
     GetAsyncKeyState(VK_LBUTTON);
-    EXPECT_EQ(GetMouseMovePointsEx(sizeof from, &from, history, 64, GMMP_USE_DISPLAY_POINTS), 64);
-    EXPECT_EQ(history[0].x, 99);
-    EXPECT_EQ(history[63].x, 36);
+    EXPECT_EQ(GetMouseMovePointsEx(sizeof from, &from, history, 1024, GMMP_USE_DISPLAY_POINTS), 1024);
+    EXPECT_EQ(history[0].x, 1099);
+    EXPECT_EQ(history[1023].x, 76);
 }
 
 TEST_F(User, ThePointerBelongsToTheCapturingWindow)

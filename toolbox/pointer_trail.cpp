@@ -4,8 +4,9 @@
 
 #include <algorithm>
 
-// The system keeps this many of the pointer's last positions.
-static constexpr int historySize = 64;
+// The system keeps this many of the pointer's last positions, or at least so few, and then refuses to give more.
+static constexpr int historySize = 1024;
+static constexpr int leastHistorySize = 64;
 
 // How long after the button went up the release may still be on its way into the queue.
 static constexpr uint32_t releaseGraceMilliseconds = 60;
@@ -62,8 +63,11 @@ static History ReadHistory()
     // The history holds the low 16 bits of coordinates, which are negative on a second screen to the left.
     MOUSEMOVEPOINT newest = {static_cast<uint16_t>(pointer.x), static_cast<uint16_t>(pointer.y), 0, 0};
     MOUSEMOVEPOINT points[historySize];
-    const int count =
-        GetMouseMovePointsEx(sizeof(MOUSEMOVEPOINT), &newest, points, historySize, GMMP_USE_DISPLAY_POINTS);
+    int count = GetMouseMovePointsEx(sizeof(MOUSEMOVEPOINT), &newest, points, historySize, GMMP_USE_DISPLAY_POINTS);
+    if (count < 0) {
+        count =
+            GetMouseMovePointsEx(sizeof(MOUSEMOVEPOINT), &newest, points, leastHistorySize, GMMP_USE_DISPLAY_POINTS);
+    }
     history.count = std::clamp(count, 0, historySize);
     for (int i = 0; i < history.count; i++) {
         history.entries[i] = {{static_cast<int16_t>(points[i].x), static_cast<int16_t>(points[i].y)}, points[i].time};

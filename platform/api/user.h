@@ -368,8 +368,10 @@ typedef struct tagMOUSEMOVEPOINT {
 } MOUSEMOVEPOINT;
 
 #define GMMP_USE_DISPLAY_POINTS 1
-// The last positions that the pointer reported, newest first, at most 64; returns their number, -1 on bad arguments.
-// point is the newest position to start from; here its coordinates and time are not used to search: all are returned.
+// The last positions that the pointer reported, newest first; returns their number, -1 on bad arguments. Up to 1024
+// are kept and may be asked for, where Windows has 64: a program that is held up for a moment would lose part of a
+// stroke. point is the newest position to start from; here its coordinates and time are not used to search: all are
+// returned.
 int WINAPI GetMouseMovePointsEx(UINT size, MOUSEMOVEPOINT* point, MOUSEMOVEPOINT* buffer, int count,
                                 DWORD resolution);
 

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr size_t historyLength = 64;
+constexpr size_t historyLength = 1024;
 constexpr int pollMicroseconds = 1000;
 
 // The low word of a mouse message's first parameter.

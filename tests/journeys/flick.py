@@ -39,7 +39,7 @@ def flicks(journey):
     def somewhere():
         return chance.randrange(340, 1000), chance.randrange(0, 800)
 
-    for count in (3, 10, 40, 60):
+    for count in (3, 10, 40, 60, 250):
         flick(journey, place, data, [[somewhere() for _ in range(count)]])
         journey.expect_view(place, art, "a flick of %d positions paints them all" % count, marks(), [palette])
     flick(journey, place, data, [[somewhere() for _ in range(8)] for _ in range(5)])
