@@ -1,4 +1,6 @@
 // The program's start on a desktop other than Windows: opens the window system and runs the Windows entry point.
+#include <csignal>
+
 #include "platform/api/kernel.h"
 #include "platform/api/user.h"
 #include "platform/host/host.h"
@@ -7,6 +9,7 @@
 
 int main()
 {
+    signal(SIGXFSZ, SIG_IGN); // a write beyond the limit of file sizes fails like one to a full disk
     host = &qtHost;
     if (host->start() != 0)
         return 1;

@@ -393,6 +393,27 @@ TEST_F(Kernel, FlushingSyncsTheFileAndThenItsFolder)
     EXPECT_EQ(_lclose(file), 0);
 }
 
+TEST_F(Kernel, AFolderThatCannotBeReadDoesNotFailAFlush)
+{
+    HFILE file = _lcreat(Path("file").c_str(), 0);
+    _lwrite(file, "map", 3);
+    systemCalls.open = [](const char* path, int flags, mode_t mode) -> int {
+        if (!(flags & O_DIRECTORY))
+            return RealSystemCalls().open(path, flags, mode);
+        errno = EACCES;
+        return -1;
+    };
+    EXPECT_TRUE(FlushFileBuffers(AsHandle(file)));
+    EXPECT_EQ(Contents("file"), "map");
+    systemCalls.open = [](const char*, int, mode_t) -> int {
+        errno = EIO;
+        return -1;
+    };
+    EXPECT_FALSE(FlushFileBuffers(AsHandle(file)));
+    systemCalls = RealSystemCalls();
+    EXPECT_EQ(_lclose(file), 0);
+}
+
 TEST_F(Kernel, EveryFailureToWriteIsReported)
 {
     struct Case {

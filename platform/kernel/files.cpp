@@ -174,6 +174,9 @@ bool SyncFolder(const std::string& folder)
     int descriptor =
         RetryInterrupted([&] { return systemCalls.open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0); });
     if (descriptor < 0) {
+        if (errno == EACCES || errno == EPERM)
+            return true; // a folder that may be written but not read cannot be synced; the file is written all the
+                         // same
         SetLastError(ErrorFromErrno(errno, ERROR_WRITE_FAULT));
         return false;
     }
