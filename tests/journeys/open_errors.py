@@ -45,7 +45,7 @@ def try_map(journey, name, sizes):
 def open_errors(journey):
     art = coded_art(600, 400)
     good = new_map_data(120, 600, 400)
-    for number in (99, 120, 121, 122, 123):
+    for number in (99, 120, 121, 122, 123, 124):
         write_bitmap(journey.path("Map%03dc.bmp" % number), art)
     for number in (99, 101, 120):
         write_map(journey.path("Map%03dc.dat" % number), good)
@@ -68,6 +68,8 @@ def open_errors(journey):
     journey.expect(len(journey.windows()) == 1, "a cancelled choice brings up nothing")
 
     (no_art,) = try_map(journey, "Map101c.dat", [MESSAGE])
+    (no_data,) = try_map(journey, "Map124c.dat", [MESSAGE])
+    journey.expect(no_data != no_art, "a map file that is not there has a message of its own")
     try_map(journey, "Map099c.dat", [NAMING_RULE])
     (empty,) = try_map(journey, "Map123c.dat", [MESSAGE])
     (damaged,) = try_map(journey, "Map121c.dat", [MESSAGE])
@@ -78,8 +80,13 @@ def open_errors(journey):
         "different faults have different messages",
     )
 
-    journey.open_map("Map120c.dat")
-    journey.expect_view(journey.place_of_map(art), art, "a good map opens after all of that")
+    journey.keys("ctrl+n")
+    journey.choose_file("Select a bmp file...", journey.path("Map130c.bmp"))
+    journey.settle()
+    journey.expect(len(journey.windows()) == 1, "art that is not there brings up nothing")
+
+    journey.open_map("mAP120C.dat")
+    journey.expect_view(journey.place_of_map(art), art, "a good map opens after all of that, under any letter case")
     journey.expect(sorted(os.listdir(journey.maps)) == before, "no file appears or goes")
     journey.expect(journey.quit() == 0, "the program ends with status 0")
 

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QProcess>
 #include <QStandardPaths>
@@ -15,6 +16,27 @@
 
 namespace qthost {
 
+namespace {
+
+// A name that was typed goes to the program also when there is no such file, as with the dialog of Windows: the
+// program has its own messages for it, and finds names without regard to letter case.
+class OpenDialog : public QFileDialog {
+  public:
+    using QFileDialog::QFileDialog;
+
+  protected:
+    void accept() override
+    {
+        const QStringList names = selectedFiles();
+        if (names.size() == 1 && !QFileInfo::exists(names.front()))
+            done(Accepted);
+        else
+            QFileDialog::accept();
+    }
+};
+
+} // namespace
+
 int ChooseFile(const HostFileRequest* request, char* path, int size)
 {
     ReleaseHeldKeys();
@@ -24,8 +46,8 @@ int ChooseFile(const HostFileRequest* request, char* path, int size)
     if (!filter.contains(QLatin1Char('(') + pattern + QLatin1Char(')')))
         filter += QStringLiteral(" (%1)").arg(pattern);
 
-    QFileDialog dialog(owner, QString::fromUtf8(request->title ? request->title : ""),
-                       QFile::decodeName(request->folder ? request->folder : ""));
+    OpenDialog dialog(owner, QString::fromUtf8(request->title ? request->title : ""),
+                      QFile::decodeName(request->folder ? request->folder : ""));
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setNameFilter(filter);
