@@ -49,5 +49,6 @@ DISPLAY=:$(cat "$folder/screen/display")
 export DISPLAY
 openbox --config-file "$here/support/openbox.xml" >"$folder/screen/manager.txt" 2>&1 &
 manager=$!
+export WINDOW_MANAGER_PROCESS=$manager
 
 timeout -k 5 120 python3 -B "$here/$name.py" "$folder" "$folder/screen/pixels/Xvfb_screen0"

@@ -36,8 +36,9 @@ struct Window {
     int minHeight = 0;
     int maxWidth = 0;
     int maxHeight = 0;
-    int wheelRest = 0;    // what high-resolution wheels turned short of a whole notch
-    bool placing = false; // the program itself moves or sizes it: no hostGeometry
+    int wheelRest = 0;        // what high-resolution wheels turned short of a whole notch
+    bool placing = false;     // the program itself moves or sizes it: no hostGeometry
+    bool sizeRefused = false; // the window manager did not give it the size that was asked for last
 };
 
 inline Window* FromHandle(HostWindow* window)
@@ -91,6 +92,9 @@ unsigned HostModifiersOf(Qt::KeyboardModifiers modifiers);
 
 void BuildMenu(HostWindow* handle, const HostMenuItem* items, int count);
 void SetMenuItem(HostWindow* handle, int menu, int item, int enabled, int checked);
+// F10 opens the first menu that is enabled, Alt and the first letter of a title that menu. True when it was such a
+// key.
+bool OpenMenuWithKey(const QKeyEvent* event);
 
 // ---- qt_scroll_bars.cpp ----
 

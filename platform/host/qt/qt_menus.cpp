@@ -1,4 +1,5 @@
 #include <QAction>
+#include <QKeyEvent>
 
 #include "platform/host/qt/qt_internal.h"
 
@@ -38,6 +39,21 @@ void AddItem(Window* window, const HostMenuItem& item)
     });
 }
 
+class MenuBar : public QMenuBar {
+  public:
+    explicit MenuBar(Window* owner) : QMenuBar(owner->top), window(owner) {}
+
+  protected:
+    void wheelEvent(QWheelEvent* event) override
+    {
+        QueueWheel(window, event);
+        event->accept();
+    }
+
+  private:
+    Window* window;
+};
+
 } // namespace
 
 void BuildMenu(HostWindow* handle, const HostMenuItem* items, int count)
@@ -46,7 +62,7 @@ void BuildMenu(HostWindow* handle, const HostMenuItem* items, int count)
     if (window->kind != hostFramedWindow || window->menuBar)
         return;
     const QSize client = window->client->size();
-    window->menuBar = new QMenuBar(window->top);
+    window->menuBar = new MenuBar(window);
     window->menuBar->setNativeMenuBar(false);
     window->menuBar->setContextMenuPolicy(Qt::PreventContextMenu);
     window->menuBar->setFocusPolicy(Qt::NoFocus);
@@ -60,6 +76,25 @@ void BuildMenu(HostWindow* handle, const HostMenuItem* items, int count)
     SizeClient(window, client.width(), client.height());
     window->menuBar->setGeometry(0, 0, client.width(), window->menuHeight);
     window->menuBar->setVisible(true);
+}
+
+bool OpenMenuWithKey(const QKeyEvent* event)
+{
+    const bool first = event->key() == Qt::Key_F10 && event->modifiers() == Qt::NoModifier;
+    const bool letter =
+        event->modifiers() == Qt::AltModifier && event->key() >= Qt::Key_A && event->key() <= Qt::Key_Z;
+    if ((!first && !letter) || event->isAutoRepeat())
+        return false;
+    for (const Window* window : windows) {
+        for (const QMenu* menu : window->menus) {
+            QAction* title = menu->menuAction();
+            if (title->isEnabled() && (first || menu->title().startsWith(QChar(event->key()), Qt::CaseInsensitive))) {
+                window->menuBar->setActiveAction(title);
+                return true;
+            }
+        }
+    }
+    return false;
 }
 
 void SetMenuItem(HostWindow* handle, int menu, int item, int enabled, int checked)

@@ -108,6 +108,27 @@ bool QueryServerPlace(const QWindow* window, int* x, int* y)
     return true;
 }
 
+bool QueryServerSize(const QWindow* window, int* width, int* height)
+{
+    if (!server)
+        return false;
+    const ReplyOf<xcb_get_geometry_reply_t> reply(
+        xcb_get_geometry_reply(server, xcb_get_geometry(server, IdOf(window)), nullptr));
+    if (!reply)
+        return false;
+    *width = reply->width;
+    *height = reply->height;
+    return true;
+}
+
+void WaitForServer()
+{
+    if (xcb_connection_t* connection = QtConnection()) {
+        const ReplyOf<xcb_get_input_focus_reply_t> reply(
+            xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    }
+}
+
 void FlushDisplay()
 {
     if (xcb_connection_t* connection = QtConnection())

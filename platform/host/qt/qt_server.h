@@ -23,6 +23,10 @@ bool KeyIsDown(unsigned scanCode);
 bool WarpServerPointer(int x, int y);
 // Where the window's top-left pixel is on the screen, in the server's pixels.
 bool QueryServerPlace(const QWindow* window, int* x, int* y);
+// Its size there, without the window manager's frame.
+bool QueryServerSize(const QWindow* window, int* width, int* height);
+// Returns when Qt holds every event that the server sent it before; they are still to be processed.
+void WaitForServer();
 // Sends on what Qt has drawn and asked for.
 void FlushDisplay();
 // Window managers take their frame off a hidden window some time later, and what happens to the window's place

@@ -19,6 +19,8 @@ namespace {
 constexpr QRgb behindPicture = 0xFFC0C0C0; // where a client area outgrew its picture, until the program has drawn
 constexpr int showDeadline = 1000;
 constexpr int settleDeadline = 100;
+constexpr int sizeDeadline = 800; // for a window manager that is busy
+constexpr int refusedSizeDeadline = 30;
 
 unsigned deliveredButtons = 0; // presses whose releases are ours
 
@@ -75,7 +77,8 @@ class ClientArea : public QWidget {
 
     void keyPressEvent(QKeyEvent* event) override
     {
-        QueueKey(window, event);
+        if (!OpenMenuWithKey(event))
+            QueueKey(window, event);
     }
 
     void keyReleaseEvent(QKeyEvent* event) override
@@ -223,6 +226,35 @@ void SettlePlace(Window* window, QPoint asked)
         QueueGeometry(window);
 }
 
+// Until the window manager has given the window its new size it may report others, cut to limits that it read too
+// early. Taken for sizes that the user chose they would become limits themselves, and stay. Window managers that lay
+// out the windows themselves never give the size.
+void SettleSize(Window* window)
+{
+    const QWindow* native = window->top->windowHandle();
+    if (window->kind != hostFramedWindow || !native || !window->top->isVisible())
+        return;
+    const QSize asked = window->top->size();
+    const double scale = native->devicePixelRatio();
+    const int deadline = window->sizeRefused ? refusedSizeDeadline : sizeDeadline;
+    QElapsedTimer timer;
+    timer.start();
+    for (;;) {
+        int width = 0;
+        int height = 0;
+        FlushDisplay();
+        if (!QueryServerSize(native, &width, &height))
+            return;
+        WaitForServer();
+        QCoreApplication::processEvents(QEventLoop::AllEvents);
+        const bool given = width == qRound(asked.width() * scale) && height == qRound(asked.height() * scale);
+        window->sizeRefused = !given || window->top->size() != asked;
+        if (!window->sizeRefused || timer.elapsed() > deadline)
+            return;
+        QThread::msleep(1);
+    }
+}
+
 // Where no window manager does it, nobody else hands the keyboard back when a pop-up that has it goes away.
 void ReturnFocus(const Window* window)
 {
@@ -334,6 +366,8 @@ void PlaceWindow(HostWindow* handle, int left, int top, int clientWidth, int cli
         SizeClient(window, clientWidth, clientHeight);
     if (left != hostDefaultPlace && top != hostDefaultPlace)
         window->top->move(left, top);
+    if (clientWidth != 0 || clientHeight != 0)
+        SettleSize(window);
     window->placing = false;
     FlushDisplay();
 }
