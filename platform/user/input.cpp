@@ -163,6 +163,7 @@ bool CollectEvents(int waitMilliseconds)
     while (host->nextEvent(&event)) {
         Enqueue(event);
         user.collected++;
+        user.limitsMayDiffer = true;
         any = true;
     }
     return any;

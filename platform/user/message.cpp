@@ -93,6 +93,12 @@ void SendPlacement(HWND handle, const WINDOWPOS& position)
         SendMessageA(handle, WM_SIZE, 0, MAKELPARAM(window->width, window->height));
 }
 
+BOOL Given()
+{
+    user.limitsMayDiffer = true;
+    return TRUE;
+}
+
 } // namespace
 
 BOOL WINAPI PeekMessageA(LPMSG message, HWND window, UINT first, UINT last, UINT remove)
@@ -104,16 +110,19 @@ BOOL WINAPI PeekMessageA(LPMSG message, HWND window, UINT first, UINT last, UINT
     if (host->ticks() - user.lastPresent >= busyPresentMilliseconds)
         PresentAll();
     if (TakeQueued(filter, take, message))
-        return TRUE;
+        return Given();
     CollectEvents(0);
     if (TakeQueued(filter, take, message) || MakePaint(filter, message))
-        return TRUE;
+        return Given();
     if (!take)
         return FALSE;
-    UpdateSizeLimits();
+    if (user.limitsMayDiffer) {
+        user.limitsMayDiffer = false;
+        UpdateSizeLimits();
+    }
     PresentAll();
     CollectEvents(idleWaitMilliseconds);
-    return TakeQueued(filter, take, message) || MakePaint(filter, message);
+    return TakeQueued(filter, take, message) || MakePaint(filter, message) ? Given() : FALSE;
 }
 
 LRESULT WINAPI DispatchMessageA(const MSG* message)

@@ -93,7 +93,8 @@ struct UserState {
     std::vector<MOUSEMOVEPOINT> moveHistory; // oldest first
     bool keyDown[256] = {};                  // as of the last message taken
     bool keyDownNow[256] = {};
-    uint64_t collected = 0; // events taken from the host so far
+    uint64_t collected = 0;      // events taken from the host so far
+    bool limitsMayDiffer = true; // the program had something to do since it was asked for its size limits
     uint32_t lastPresent = 0;
 };
 
