@@ -7,16 +7,6 @@ namespace {
 
 class AreaFillTest : public EditorSession {
   protected:
-    void OpenWith(const std::function<void(MapFile*)>& fill = nullptr)
-    {
-        MapFile map(101, 600, 400);
-        if (fill) {
-            fill(&map);
-        }
-        WriteMap(map);
-        OpenMap();
-    }
-
     std::vector<uint32_t> before;
     int presentsOfCancel = 0;
 };

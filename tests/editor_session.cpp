@@ -178,6 +178,16 @@ void EditorSession::OpenMap(const std::string& name)
     ScriptWait(settleTime);
 }
 
+void EditorSession::OpenWith(const std::function<void(MapFile*)>& fill, int width, int height)
+{
+    MapFile map(101, width, height);
+    if (fill) {
+        fill(&map);
+    }
+    WriteMap(map);
+    OpenMap();
+}
+
 void EditorSession::Run(int status)
 {
     const int blocks = GlobalBlocksInUse();

@@ -57,6 +57,8 @@ class EditorSession : public testing::Test {
 
     // ---- the script ----
     void OpenMap(const std::string& name = "Map101c.dat"); // File > Open Map
+    // Writes a map with the ID 101, changed by fill unless that is null, and opens it.
+    void OpenWith(const std::function<void(MapFile*)>& fill = nullptr, int width = 600, int height = 400);
     // Starts the program and plays the script to its end. Expects the status.
     void Run(int status = 0);
 

@@ -146,8 +146,17 @@ class EveryDialogTest : public EditorSession {
         });
     }
 
-    void ExpectFilesUntouched()
+    void DeclineAndQuit(const DialogRow& row)
     {
+        ExpectDialog(row);
+        Decline(row);
+        ExpectNothingChanged();
+        Quit();
+    }
+
+    void RunWithoutTouchingFiles()
+    {
+        Run();
         EXPECT_EQ(Files(), files);
         EXPECT_TRUE(Read("Map101c.dat") == original);
     }
@@ -167,13 +176,9 @@ TEST_F(EveryDialogTest, DeclinedItChangesNothing)
         if (!row.refusal.empty()) {
             ScriptKey(VK_ESCAPE); // only a palette has a close box that it could stand for
             ThenCheck([] { SendMessageA(TopDialog()->window, WM_CLOSE, 0, 0); });
-            ExpectDialog(row);
         }
-        Decline(row);
-        ExpectNothingChanged();
-        Quit();
-        Run();
-        ExpectFilesUntouched();
+        DeclineAndQuit(row);
+        RunWithoutTouchingFiles();
     }
 }
 
@@ -185,13 +190,9 @@ TEST_F(EveryDialogTest, ClosingTheWindowEndsTheProgramOnlyWhereQuitIsEnabled)
         BringUp(row);
         ScriptClose();
         if (row.menus != menusWork) {
-            ExpectDialog(row);
-            Decline(row);
-            ExpectNothingChanged();
-            Quit();
+            DeclineAndQuit(row);
         }
-        Run();
-        ExpectFilesUntouched();
+        RunWithoutTouchingFiles();
     }
 }
 
@@ -217,13 +218,9 @@ TEST_F(EveryDialogTest, QuitAsksOverTheDialogOnlyWhereItIsEnabled)
                 });
             }
             if (!heard || way == byKeyDeclined) {
-                ExpectDialog(row);
-                Decline(row);
-                ExpectNothingChanged();
-                Quit();
+                DeclineAndQuit(row);
             }
-            Run();
-            ExpectFilesUntouched();
+            RunWithoutTouchingFiles();
         }
     }
 }

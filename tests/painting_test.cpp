@@ -9,16 +9,6 @@ constexpr uint32_t red = 0xFF0000;
 
 class PaintingTest : public EditorSession {
   protected:
-    void OpenWith(const std::function<void(MapFile*)>& fill = nullptr, int width = 600, int height = 400)
-    {
-        MapFile map(101, width, height);
-        if (fill) {
-            fill(&map);
-        }
-        WriteMap(map);
-        OpenMap();
-    }
-
     // One session: the map, the palette with the tool, the steps, the cells that are not 0 afterwards.
     void ExpectCells(char palette, int tool, const std::function<void(MapFile*)>& fill,
                      const std::function<void()>& steps, const std::string& cells, const char* what)

@@ -5,18 +5,7 @@ namespace {
 
 constexpr uint32_t red = 0xFF0000;
 
-class PalettesTest : public EditorSession {
-  protected:
-    void OpenWith(const std::function<void(MapFile*)>& fill = nullptr)
-    {
-        MapFile map(101, 600, 400);
-        if (fill) {
-            fill(&map);
-        }
-        WriteMap(map);
-        OpenMap();
-    }
-};
+class PalettesTest : public EditorSession {};
 
 // The boxes of the open palette that are on.
 std::string BoxesOn()

@@ -9,16 +9,6 @@ constexpr uint32_t labelYellow = 0xFFFF66;
 
 class ViewsTest : public EditorSession {
   protected:
-    void OpenWith(const std::function<void(MapFile*)>& fill = nullptr, int width = 600, int height = 400)
-    {
-        MapFile map(101, width, height);
-        if (fill) {
-            fill(&map);
-        }
-        WriteMap(map);
-        OpenMap();
-    }
-
     std::vector<uint32_t> before;
 };
 
