@@ -33,11 +33,11 @@ install-packages:
 	tools/install_packages.sh
 
 format:
-	git ls-files '*.cpp' '*.h' | xargs clang-format -i
+	git ls-files '*.cpp' '*.h' | xargs clang-format-16 -i
 
 # The layout that clang-format gives, and clang-tidy over every source that the release build compiles.
 lint: build
-	git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
+	git ls-files '*.cpp' '*.h' | xargs clang-format-16 --dry-run --Werror
 	python3 tools/run_clang_tidy.py build
 
 check:

@@ -1,7 +1,5 @@
 #include "app/commands.h"
 
-#include <initializer_list>
-
 #include "app/map_views.h"
 #include "app/map_window.h"
 #include "editing/palettes.h"
@@ -9,6 +7,8 @@
 #include "toolbox/menus.h"
 #include "toolbox/resources.h"
 #include "toolbox/windows.h"
+
+#include <initializer_list>
 
 namespace {
 

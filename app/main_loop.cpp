@@ -1,5 +1,4 @@
 #include "app/application.h"
-
 #include "app/map_window.h"
 #include "mapdata/map_record.h"
 #include "toolbox/menus.h"

@@ -1,13 +1,12 @@
 #include "app/map_window.h"
-
-#include <algorithm>
-
 #include "editing/overlay.h"
 #include "mapdata/map_record.h"
 #include "toolbox/drawing.h"
 #include "toolbox/offscreen.h"
 #include "toolbox/resources.h"
 #include "toolbox/windows.h"
+
+#include <algorithm>
 
 namespace {
 

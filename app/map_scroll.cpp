@@ -1,9 +1,8 @@
 #include "app/map_window.h"
-
-#include <algorithm>
-
 #include "mapdata/map_record.h"
 #include "toolbox/windows.h"
+
+#include <algorithm>
 
 namespace {
 

@@ -1,11 +1,10 @@
 #include "app/map_window.h"
-
-#include <algorithm>
-#include <cstdlib>
-
 #include "mapdata/map_record.h"
 #include "toolbox/resources.h"
 #include "toolbox/windows.h"
+
+#include <algorithm>
+#include <cstdlib>
 
 namespace {
 

@@ -1,10 +1,9 @@
 #include "app/map_window.h"
-
-#include <algorithm>
-
 #include "mapdata/map_record.h"
 #include "toolbox/resources.h"
 #include "toolbox/windows.h"
+
+#include <algorithm>
 
 namespace {
 

@@ -1,6 +1,5 @@
 #include "app/application.h"
 #include "app/map_window.h"
-
 #include "mapdata/map_record.h"
 #include "toolbox/drawing.h"
 #include "toolbox/resources.h"

@@ -1,6 +1,5 @@
-#include "app/map_views.h"
-
 #include "app/commands.h"
+#include "app/map_views.h"
 #include "app/map_window.h"
 #include "mapdata/map_record.h"
 #include "toolbox/drawing.h"

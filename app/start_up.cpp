@@ -1,7 +1,4 @@
 #include "app/application.h"
-
-#include <vector>
-
 #include "app/map_window.h"
 #include "dialogs/dialog.h"
 #include "editing/editing.h"
@@ -10,6 +7,8 @@
 #include "toolbox/offscreen.h"
 #include "toolbox/resources.h"
 #include "toolbox/windows.h"
+
+#include <vector>
 
 namespace {
 

@@ -1,15 +1,14 @@
-#include "app/map_views.h"
-
-#include <algorithm>
-#include <vector>
-
 #include "app/commands.h"
+#include "app/map_views.h"
 #include "app/map_window.h"
 #include "mapdata/map_record.h"
 #include "toolbox/drawing.h"
 #include "toolbox/menus.h"
 #include "toolbox/offscreen.h"
 #include "toolbox/resources.h"
+
+#include <algorithm>
+#include <vector>
 
 namespace {
 

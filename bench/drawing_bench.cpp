@@ -1,17 +1,15 @@
 // What the user waits for on the screen, each beside the plain memory work that it cannot do without.
-#include <benchmark/benchmark.h>
-
-#include <cstring>
-#include <vector>
-
 #include "bench/bench.h"
-
 #include "editing/overlay.h"
 #include "editing/stroke.h"
 #include "editing/whole_map.h"
 #include "mapdata/map_record.h"
 #include "toolbox/shell_door.h"
 #include "toolbox/windows.h"
+
+#include <benchmark/benchmark.h>
+#include <cstring>
+#include <vector>
 
 namespace {
 

@@ -1,19 +1,16 @@
 // Opening and saving the largest map, beside the plain reads and writes.
-#include <benchmark/benchmark.h>
-
-#include <cstdlib>
-#include <cstring>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include "bench/bench.h"
-
 #include "mapdata/data_file.h"
 #include "mapdata/map_commands.h"
 #include "toolbox/offscreen.h"
 #include "toolbox/shell_door.h"
+
+#include <benchmark/benchmark.h>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 

@@ -1,18 +1,16 @@
+#include "app/application.h"
 #include "bench/bench.h"
+#include "mapdata/data_file.h"
+#include "mapdata/map_commands.h"
+#include "platform/host/headless/headless.h"
+#include "toolbox/shell_door.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <vector>
-
 #include <unistd.h>
-
-#include "app/application.h"
-#include "mapdata/data_file.h"
-#include "mapdata/map_commands.h"
-#include "platform/host/headless/headless.h"
-#include "toolbox/shell_door.h"
+#include <vector>
 
 namespace {
 

@@ -1,6 +1,5 @@
 #include "dialogs/item_drawing.h"
 #include "dialogs/modal.h"
-
 #include "toolbox/menus.h"
 #include "toolbox/resources.h"
 #include "toolbox/shell_door.h"

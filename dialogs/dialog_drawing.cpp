@@ -1,5 +1,4 @@
 #include "dialogs/item_drawing.h"
-
 #include "toolbox/resources.h"
 
 #include <algorithm>

@@ -1,6 +1,5 @@
 // Dialogs and their items: made, found, read, set and disposed of.
 #include "dialogs/item_drawing.h"
-
 #include "toolbox/resources.h"
 #include "toolbox/shell_door.h"
 

@@ -1,6 +1,5 @@
 // How edit fields become active and take keys.
 #include "dialogs/item_drawing.h"
-
 #include "toolbox/events.h"
 #include "toolbox/shell_door.h"
 

@@ -1,5 +1,4 @@
 #include "dialogs/modal.h"
-
 #include "toolbox/events.h"
 #include "toolbox/menus.h"
 #include "toolbox/shell_door.h"

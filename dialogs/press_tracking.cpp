@@ -1,6 +1,5 @@
 // What a press on an item looks and sounds like, and following the pointer until the button is released.
 #include "dialogs/item_drawing.h"
-
 #include "toolbox/events.h"
 #include "toolbox/resources.h"
 #include "toolbox/shell_door.h"

@@ -1,12 +1,12 @@
 #include "editing/area_fill.h"
 
-#include <algorithm>
-
 #include "dialogs/modal.h"
 #include "editing/stroke.h"
 #include "mapdata/map_record.h"
 #include "toolbox/resources.h"
 #include "toolbox/shell_door.h"
+
+#include <algorithm>
 
 namespace {
 

@@ -1,12 +1,11 @@
-#include "editing/palettes.h"
-
-#include <iterator>
-
 #include "editing/editing.h"
 #include "editing/palette_loop.h"
+#include "editing/palettes.h"
 #include "editing/stroke.h"
 #include "editing/whole_map.h"
 #include "toolbox/shell_door.h"
+
+#include <iterator>
 
 namespace {
 

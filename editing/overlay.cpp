@@ -1,12 +1,12 @@
 #include "editing/overlay.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "mapdata/map_record.h"
 #include "toolbox/offscreen.h"
 #include "toolbox/shell_door.h"
 #include "toolbox/windows.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace {
 

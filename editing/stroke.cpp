@@ -1,11 +1,11 @@
 #include "editing/stroke.h"
 
-#include <iterator>
-
 #include "editing/area_fill.h"
 #include "editing/overlay.h"
 #include "mapdata/map_record.h"
 #include "toolbox/shell_door.h"
+
+#include <iterator>
 
 namespace {
 

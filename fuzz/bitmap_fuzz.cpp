@@ -1,5 +1,4 @@
 #include "fuzz/targets.h"
-
 #include "platform/gdi/surface.h"
 
 #include <algorithm>

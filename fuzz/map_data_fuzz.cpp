@@ -1,5 +1,4 @@
 #include "fuzz/targets.h"
-
 #include "mapdata/map_bytes.h"
 
 #include <algorithm>

@@ -1,12 +1,10 @@
 // A session of the real program. The first byte chooses how it begins, the second the terrain; then three bytes a
 // step: what the user does, and two numbers for where or how much. At the end the user answers whatever is open,
 // saves and quits.
-#include "fuzz/targets.h"
-
-#include "fuzz/session_world.h"
-
 #include "app/application.h"
 #include "dialogs/modal.h"
+#include "fuzz/session_world.h"
+#include "fuzz/targets.h"
 #include "platform/host/headless/headless.h"
 #include "platform/kernel/test_hooks.h"
 

@@ -1,18 +1,19 @@
 // The program's start on a desktop other than Windows: opens the window system and runs the Windows entry point.
-#include <csignal>
-
 #include "platform/api/kernel.h"
 #include "platform/api/user.h"
 #include "platform/host/host.h"
 #include "platform/host/qt/qt_host.h"
 #include "platform/user/platform_reset.h"
 
+#include <csignal>
+
 int main()
 {
     signal(SIGXFSZ, SIG_IGN); // a write beyond the limit of file sizes fails like one to a full disk
     host = &qtHost;
-    if (host->start() != 0)
+    if (host->start() != 0) {
         return 1;
+    }
     char noArguments[] = "";
     const int result = WinMain(GetModuleHandleA(nullptr), nullptr, noArguments, SW_SHOWNORMAL);
     PlatformReset();

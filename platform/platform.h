@@ -7,12 +7,11 @@
 
 #define WIN32_LEAN_AND_MEAN
 #define NOMINMAX
-#include <windows.h>
-
 #include <commdlg.h>
 #include <mmsystem.h>
 #include <shellapi.h>
 #include <stdlib.h>
+#include <windows.h>
 #undef FindWindow
 
 #else

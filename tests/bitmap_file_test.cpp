@@ -16,8 +16,9 @@ using Pixels = std::vector<uint32_t>; // rows top-down
 
 void Put(Bytes* bytes, uint64_t value, int width)
 {
-    for (int index = 0; index < width; ++index)
+    for (int index = 0; index < width; ++index) {
         bytes->push_back(static_cast<uint8_t>(value >> 8 * index));
+    }
 }
 
 struct FileShape {
@@ -51,11 +52,13 @@ Bytes MakeFile(const FileShape& shape)
         Put(&info, 0, 4);
         info.resize(std::min<size_t>(info.size(), static_cast<size_t>(shape.headerSize)));
     }
-    for (uint32_t mask : shape.masks)
+    for (uint32_t mask : shape.masks) {
         Put(&info, mask, 4);
+    }
     info.resize(std::max<size_t>(info.size(), static_cast<size_t>(shape.headerSize)));
-    for (uint32_t colour : shape.colours)
+    for (uint32_t colour : shape.colours) {
         Put(&info, colour, shape.headerSize == 12 ? 3 : 4);
+    }
     Bytes file = {'B', 'M'};
     Put(&file, 14 + info.size() + shape.pixels.size(), 4);
     Put(&file, 0, 4);
@@ -68,8 +71,9 @@ Bytes MakeFile(const FileShape& shape)
 // The pixels of a bitmap as a blit shows them; deletes it.
 Pixels Shown(HBITMAP bitmap)
 {
-    if (!bitmap)
+    if (!bitmap) {
         return {};
+    }
     BITMAP record = {};
     GetObjectA(bitmap, sizeof record, &record);
     Pixels pixels(static_cast<size_t>(record.bmWidth) * static_cast<size_t>(record.bmHeight), 0xBAD00BAD);
@@ -217,8 +221,9 @@ TEST(BitmapFile, RunLengthsAreUnpackedAndClipped)
         shape.colours = fourColours;
         shape.pixels = one.stream;
         Pixels expected;
-        for (int index : one.indices)
+        for (int index : one.indices) {
             expected.push_back(fourColours[static_cast<size_t>(index)]);
+        }
         EXPECT_EQ(Load(shape), expected) << one.what;
         shape.height = -3;
         EXPECT_EQ(Load(shape), Pixels{}) << one.what;
@@ -266,8 +271,9 @@ TEST(BitmapFile, TruncatedAnywhereIsDamagedOrShort)
     for (const FileShape& shape : {trueColour, core, masked, indexed}) {
         const Bytes whole = MakeFile(shape);
         EXPECT_FALSE(Load(whole).empty());
-        for (size_t size = 0; size < whole.size(); ++size)
+        for (size_t size = 0; size < whole.size(); ++size) {
             EXPECT_TRUE(Load(Bytes(whole.begin(), whole.begin() + static_cast<ptrdiff_t>(size))).empty()) << size;
+        }
     }
     FileShape runs = {.width = 4, .height = 3, .bits = 8, .compression = BI_RLE8, .coloursUsed = 4};
     runs.colours = fourColours;
@@ -286,7 +292,7 @@ TEST(BitmapFile, AnyByteChangedIsHarmless)
     runs.pixels = {0, 5, 0x12, 0x31, 0x20, 9, 0, 2, 1, 1, 4, 2, 0, 1};
     for (const FileShape& shape : {trueColour, runs}) {
         const Bytes whole = MakeFile(shape);
-        for (size_t position = 0; position < whole.size(); ++position)
+        for (size_t position = 0; position < whole.size(); ++position) {
             for (int value : {0, 1, 2, 3, 4, 12, 16, 32, 40, 108, 127, 128, 254, 255}) {
                 Bytes changed = whole;
                 changed[position] = static_cast<uint8_t>(value);
@@ -298,6 +304,7 @@ TEST(BitmapFile, AnyByteChangedIsHarmless)
                     DeleteObject(bitmap);
                 }
             }
+        }
     }
 }
 
@@ -312,8 +319,9 @@ TEST(BitmapFile, ReadsFromAPathWhatItReadsFromBytes)
     };
     // Larger than the part that is looked at first, and kept in the file's own depth.
     FileShape large = {.width = 123, .height = 77, .pixels = Bytes(372 * 77)};
-    for (size_t index = 0; index < large.pixels.size(); ++index)
+    for (size_t index = 0; index < large.pixels.size(); ++index) {
         large.pixels[index] = static_cast<uint8_t>(index * 7 + index / 251);
+    }
     FileShape runs = {.width = 4, .height = 3, .bits = 8, .compression = BI_RLE8, .pixels = runCases[0].stream};
     for (const FileShape& shape : {large, trueColour, runs}) {
         const Bytes file = MakeFile(shape);
@@ -324,11 +332,12 @@ TEST(BitmapFile, ReadsFromAPathWhatItReadsFromBytes)
     write(MakeFile(large));
     const Pixels shown = Shown(BitmapFromFile(path.c_str()));
     ASSERT_EQ(shown.size(), 123u * 77u);
-    for (size_t y = 0; y < 77; ++y)
+    for (size_t y = 0; y < 77; ++y) {
         for (size_t x = 0; x < 123; ++x) {
             const uint8_t* stored = large.pixels.data() + (76 - y) * 372 + x * 3;
             ASSERT_EQ(shown[y * 123 + x], static_cast<uint32_t>(stored[2] << 16 | stored[1] << 8 | stored[0]));
         }
+    }
     write(Bytes(5));
     EXPECT_EQ(BitmapFromFile(path.c_str()), nullptr);
     write({});

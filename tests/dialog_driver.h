@@ -8,7 +8,6 @@
 #include "platform/host/headless/headless.h"
 
 #include <gtest/gtest.h>
-
 #include <string>
 
 // The program started and without a map; every test ends with a shutdown and with the whole script played.

@@ -1,7 +1,6 @@
 // Dialogs, their items and the alerts, in the running program.
-#include "tests/dialog_driver.h"
-
 #include "platform/kernel/test_hooks.h"
+#include "tests/dialog_driver.h"
 #include "toolbox/menus.h"
 #include "toolbox/resources.h"
 

@@ -1,9 +1,8 @@
 // Every dialog, question and message of the program: declined, it changes nothing, and a user who wants to leave the
 // program from within it either can, without harm to the file, or is not heard.
-#include "tests/editor_session.h"
-
 #include "mapdata/map_record.h"
 #include "platform/kernel/test_hooks.h"
+#include "tests/editor_session.h"
 
 #include <cstring>
 

@@ -8,11 +8,10 @@
 //   backup, and the good backup goes.
 // - Under a changed map number there is no backup: a failing save leaves the new number's file incomplete, though an
 //   earlier save had filled it. The map's file under the old number is never touched.
-#include "tests/editor_session.h"
-#include "tests/save_scenarios.h"
-
 #include "platform/kernel/system_calls.h"
 #include "platform/kernel/test_hooks.h"
+#include "tests/editor_session.h"
+#include "tests/save_scenarios.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -148,9 +148,11 @@ TEST(Gdi, SlantedLinesFromFarOutsideMeetTheSamePixels)
             Line(whole.dc, end[0], end[1], end[2], end[3]);
             Line(part.dc, end[0], end[1], end[2], end[3]);
         }
-        for (int y = 0; y < 20; ++y)
-            for (int x = 0; x < 30; ++x)
+        for (int y = 0; y < 20; ++y) {
+            for (int x = 0; x < 30; ++x) {
                 ASSERT_EQ(part.At(x, y), whole.At(90 + x, 40 + y)) << x << ' ' << y;
+            }
+        }
     }
     EXPECT_GT(part.Count(red), 100);
 }
@@ -180,8 +182,8 @@ TEST(Gdi, InvertingTouchesEachPixelOfTheLineOnceAndTwiceRestores)
     Picture picture(40, 30);
     const std::vector<uint32_t> before = picture.storage;
     const RECT clips[] = {{0, 0, 25, 20}, {10, 5, 40, 30}, {12, 7, 14, 9}};
-    for (int clipCount : {-1, 3})
-        for (int width : {1, 2, 5})
+    for (int clipCount : {-1, 3}) {
+        for (int width : {1, 2, 5}) {
             for (const RECT& line : {RECT{3, 3, 35, 3}, RECT{5, 28, 5, 2}, RECT{1, 1, 38, 27}, RECT{30, 2, 22, 29},
                                      RECT{36, 20, 2, 9}}) {
                 Picture drawn(40, 30);
@@ -199,6 +201,8 @@ TEST(Gdi, InvertingTouchesEachPixelOfTheLineOnceAndTwiceRestores)
                 EXPECT_EQ(picture.storage, before);
                 EXPECT_EQ(SetROP2(picture.dc, R2_COPYPEN), R2_NOT);
             }
+        }
+    }
 }
 
 TEST(Gdi, ClipLetsOnlyTheUnionThrough)
@@ -242,44 +246,57 @@ TEST(Gdi, ScreenReportsInvertingLinesOnly)
 TEST(Gdi, BlitCopiesWhatBothHoldAtEveryEdge)
 {
     Picture source(5, 4, 0);
-    for (int y = 0; y < 4; ++y)
-        for (int x = 0; x < 5; ++x)
+    for (int y = 0; y < 4; ++y) {
+        for (int x = 0; x < 5; ++x) {
             source.storage[static_cast<size_t>(y * source.surface.stride + x)] = static_cast<uint32_t>(y * 16 + x);
-    for (int sourceX : {-3, 0, 2, 9})
-        for (int sourceY : {-2, 0, 1})
-            for (int x : {-4, -1, 0, 3, 6})
+        }
+    }
+    for (int sourceX : {-3, 0, 2, 9}) {
+        for (int sourceY : {-2, 0, 1}) {
+            for (int x : {-4, -1, 0, 3, 6}) {
                 for (int y : {-2, 0, 5}) {
                     Picture target(7, 6);
                     SetWindowOrgEx(target.dc, 100, 0, nullptr);
                     EXPECT_TRUE(BitBlt(target.dc, 100 + x, y, 6, 3, source.dc, sourceX, sourceY, SRCCOPY));
-                    for (int v = 0; v < 6; ++v)
+                    for (int v = 0; v < 6; ++v) {
                         for (int h = 0; h < 7; ++h) {
                             const int fromX = h - x + sourceX, fromY = v - y + sourceY;
                             const bool copied = h >= x && h < x + 6 && v >= y && v < y + 3 && fromX >= 0 &&
                                                 fromX < 5 && fromY >= 0 && fromY < 4;
                             ASSERT_EQ(target.At(h, v), copied ? source.At(fromX, fromY) : ground);
                         }
+                    }
                 }
+            }
+        }
+    }
     EXPECT_FALSE(BitBlt(source.dc, 0, 0, 1, 1, source.dc, 0, 0, 0x00550009));
 }
 
 TEST(Gdi, OverlappingBlitKeepsTheSource)
 {
     const RECT twoHalves[] = {{0, 0, 12, 5}, {0, 5, 12, 9}};
-    for (bool clipped : {false, true})
-        for (int dx : {-3, 0, 2})
+    for (bool clipped : {false, true}) {
+        for (int dx : {-3, 0, 2}) {
             for (int dy : {-2, 0, 1}) {
                 Picture picture(12, 9, 0);
-                for (int y = 0; y < 9; ++y)
-                    for (int x = 0; x < 12; ++x)
+                for (int y = 0; y < 9; ++y) {
+                    for (int x = 0; x < 12; ++x) {
                         SetPixel(picture.dc, x, y, RGB(x, y, 7));
-                if (clipped)
+                    }
+                }
+                if (clipped) {
                     SetClipOfDC(picture.dc, twoHalves, 2);
+                }
                 BitBlt(picture.dc, 4 + dx, 3 + dy, 6, 3, picture.dc, 4, 3, SRCCOPY);
-                for (int y = 0; y < 3; ++y)
-                    for (int x = 0; x < 6; ++x)
+                for (int y = 0; y < 3; ++y) {
+                    for (int x = 0; x < 6; ++x) {
                         ASSERT_EQ(GetPixel(picture.dc, 4 + dx + x, 3 + dy + y), RGB(4 + x, 3 + y, 7));
+                    }
+                }
             }
+        }
+    }
 }
 
 TEST(Gdi, MemoryContextHoldsOneBitmapAtATime)
@@ -495,8 +512,9 @@ TEST(Gdi, TextIsReadAsUtf8)
     WithFont font(picture.dc, "Arial", -11);
     const LONG question = Extent(picture.dc, "?").cx;
     EXPECT_EQ(Extent(picture.dc, "Se\xC3\xA9").cx, Extent(picture.dc, "Se").cx + Extent(picture.dc, "e").cx);
-    for (const char* bad : {"\xE9", "\xC3", "\x80", "\xFF", "\xC0"})
+    for (const char* bad : {"\xE9", "\xC3", "\x80", "\xFF", "\xC0"}) {
         EXPECT_EQ(Extent(picture.dc, bad).cx, question) << static_cast<int>(static_cast<uint8_t>(bad[0]));
+    }
     EXPECT_EQ(Extent(picture.dc, "\xC0\x80").cx, 2 * question);
     EXPECT_EQ(Extent(picture.dc, "\xED\xA0\x80").cx, 3 * question);
     EXPECT_EQ(Extent(picture.dc, "a\x01\t\r\nb").cx, Extent(picture.dc, "ab").cx);
@@ -507,8 +525,9 @@ int TextHeight(HDC dc, const std::string& text, int width, UINT format, RECT* me
 {
     RECT rect = {0, 0, width, 5};
     const int height = DrawTextA(dc, text.c_str(), -1, &rect, format | DT_CALCRECT);
-    if (measured)
+    if (measured) {
         *measured = rect;
+    }
     return height;
 }
 
@@ -527,8 +546,9 @@ TEST(Gdi, WordsWrapAtBlanksLineFeedsAndInsideLongWords)
         {"a\nb", 5, 2},      {"a\r\nb", 5, 2},    {"a\n\nb", 5, 3},    {"a\n", 5, 1},    {"aa bb cc", 5, 2},
         {"  aaaaaaa", 5, 2}, {"bb aaaaaa", 5, 3}, {"abc", 0, 3},       {"&aaaaa", 5, 1}, {"aaaa&&a", 5, 2},
     };
-    for (const auto& one : cases)
+    for (const auto& one : cases) {
         EXPECT_EQ(TextHeight(picture.dc, one.text, one.columns * cell, DT_WORDBREAK), one.lines * line) << one.text;
+    }
     EXPECT_EQ(TextHeight(picture.dc, "aa bb cc dd", cell, DT_LEFT), line);
     RECT rect;
     TextHeight(picture.dc, "abc", 50 * cell, DT_WORDBREAK, &rect);

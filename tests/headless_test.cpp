@@ -1,10 +1,9 @@
 // The headless host itself: what every other test relies on.
-#include <gtest/gtest.h>
+#include "platform/host/headless/headless.h"
 
+#include <gtest/gtest.h>
 #include <string>
 #include <vector>
-
-#include "platform/host/headless/headless.h"
 
 namespace {
 
@@ -42,8 +41,9 @@ class HeadlessHost : public testing::Test {
     {
         std::vector<HostEvent> result;
         HostEvent event;
-        while (headlessHost.nextEvent(&event))
+        while (headlessHost.nextEvent(&event)) {
             result.push_back(event);
+        }
         return result;
     }
 
@@ -52,8 +52,9 @@ class HeadlessHost : public testing::Test {
         std::vector<HostEvent> result;
         while (HeadlessStepsLeft() > 0) {
             headlessHost.pump(10);
-            for (const HostEvent& event : TakeEvents())
+            for (const HostEvent& event : TakeEvents()) {
                 result.push_back(event);
+            }
         }
         return result;
     }
@@ -64,8 +65,9 @@ class HeadlessHost : public testing::Test {
         static const char* names[] = {"?",     "down", "up",     "move",     "wheel", "keydown",
                                       "keyup", "menu", "scroll", "geometry", "close", "activate"};
         std::string story;
-        for (const HostEvent& event : events)
+        for (const HostEvent& event : events) {
             story += std::string(names[event.kind]) + (event.token == &popupToken ? ":p " : ":f ");
+        }
         return story;
     }
 
@@ -118,8 +120,9 @@ TEST_F(HeadlessHost, KeysCarryCharactersAndModifiers)
     ScriptKeyUp(keyAlt);
     std::vector<std::string> downs;
     for (const HostEvent& event : RunScript()) {
-        if (event.kind == hostKeyDown && event.character)
+        if (event.kind == hostKeyDown && event.character) {
             downs.push_back(std::to_string(event.character) + "/" + std::to_string(event.modifiers));
+        }
     }
     EXPECT_EQ(downs, (std::vector<std::string>{"97/0", "63/1", "19/2", "108/4"}));
 }
@@ -162,10 +165,12 @@ TEST_F(HeadlessHost, AProgramThatNeverEndsIsAskedToCloseAndThenEnded)
     const auto waitForEver = [&] {
         for (;;) {
             headlessHost.pump(10);
-            for (const HostEvent& event : TakeEvents())
+            for (const HostEvent& event : TakeEvents()) {
                 requests += event.kind == hostCloseRequest;
-            if (requests == 1 && headless.now < 2000)
+            }
+            if (requests == 1 && headless.now < 2000) {
                 break;
+            }
         }
     };
     EXPECT_EXIT(waitForEver(), testing::ExitedWithCode(3), "20 requests to close");

@@ -5,8 +5,6 @@
 #include "platform/kernel/test_hooks.h"
 #include "platform/platform.h"
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <cerrno>
 #include <cstdlib>
@@ -14,6 +12,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <random>
 #include <string>
 #include <unistd.h>
@@ -44,8 +43,9 @@ std::vector<int> syncedFolders; // 1 for a folder, 0 for a file
 bool Fails(Fault& fault)
 {
     fault.count++;
-    if (fault.callsLeft < 0 || fault.count <= fault.callsLeft)
+    if (fault.callsLeft < 0 || fault.count <= fault.callsLeft) {
         return false;
+    }
     errno = fault.error;
     return true;
 }
@@ -57,8 +57,9 @@ ssize_t FaultyWrite(int descriptor, const void* bytes, size_t count)
         errno = EINTR;
         return -1;
     }
-    if (Fails(writeFault))
+    if (Fails(writeFault)) {
         return -1;
+    }
     if (shortWrites > 0 && count > 1) {
         shortWrites--;
         count /= 2;
@@ -239,8 +240,9 @@ TEST_F(Kernel, RenamesWhereTheFileSystemKnowsNoRenameWithoutReplacing)
 {
     renameFault = {0, EINVAL, 0};
     for (bool links : {true, false}) {
-        if (!links)
+        if (!links) {
             linkFault = {0, EPERM, 0};
+        }
         Put("a", "new");
         Put("b", "kept");
         EXPECT_FALSE(MoveFileA(Path("a").c_str(), Path("b").c_str()));
@@ -318,8 +320,9 @@ TEST_F(Kernel, AnyMixOfTransfersReadsAndWritesWhatAPlainFileWould)
 {
     std::mt19937 random(7);
     std::string model(200000, 0);
-    for (char& byte : model)
+    for (char& byte : model) {
         byte = static_cast<char>(random());
+    }
     Put("file", model);
     HFILE file = _lopen(Path("file").c_str(), OF_READWRITE);
     ASSERT_NE(file, HFILE_ERROR);
@@ -340,8 +343,9 @@ TEST_F(Kernel, AnyMixOfTransfersReadsAndWritesWhatAPlainFileWould)
         case 1: {
             std::string bytes(count, static_cast<char>(step));
             ASSERT_EQ(_lwrite(file, bytes.data(), static_cast<UINT>(count)), count);
-            if (count > 0 && position + count > model.size())
+            if (count > 0 && position + count > model.size()) {
                 model.resize(position + count);
+            }
             std::copy(bytes.begin(), bytes.end(), model.begin() + static_cast<ptrdiff_t>(position));
             position += count;
             break;
@@ -365,15 +369,17 @@ TEST_F(Kernel, AnyMixOfTransfersReadsAndWritesWhatAPlainFileWould)
 TEST_F(Kernel, SmallTransfersAreGathered)
 {
     HFILE file = _lcreat(Path("file").c_str(), 0);
-    for (int i = 0; i < 100000; i++)
+    for (int i = 0; i < 100000; i++) {
         ASSERT_EQ(_lwrite(file, "ab", 2), 2U);
+    }
     EXPECT_TRUE(FlushFileBuffers(AsHandle(file)));
     EXPECT_LE(writeFault.count, 4);
     SetFilePointer(AsHandle(file), 0, nullptr, FILE_BEGIN);
     readFault.count = 0;
     char two[2];
-    for (int i = 0; i < 100000; i++)
+    for (int i = 0; i < 100000; i++) {
         ASSERT_EQ(_lread(file, two, 2), 2U);
+    }
     EXPECT_EQ(_lread(file, two, 2), 0U);
     EXPECT_LE(readFault.count, 10);
     EXPECT_EQ(_lclose(file), 0);
@@ -398,8 +404,9 @@ TEST_F(Kernel, AFolderThatCannotBeReadDoesNotFailAFlush)
     HFILE file = _lcreat(Path("file").c_str(), 0);
     _lwrite(file, "map", 3);
     systemCalls.open = [](const char* path, int flags, mode_t mode) -> int {
-        if (!(flags & O_DIRECTORY))
+        if (!(flags & O_DIRECTORY)) {
             return RealSystemCalls().open(path, flags, mode);
+        }
         errno = EACCES;
         return -1;
     };
@@ -456,8 +463,9 @@ TEST_F(Kernel, EveryFailureToWriteIsReported)
 TEST_F(Kernel, ShortAndInterruptedWritesAreContinued)
 {
     std::string bytes(300000, 0);
-    for (size_t i = 0; i < bytes.size(); i++)
+    for (size_t i = 0; i < bytes.size(); i++) {
         bytes[i] = static_cast<char>(i * 7);
+    }
     shortWrites = 3;
     interruptions = 2;
     HFILE file = _lcreat(Path("file").c_str(), 0);
@@ -493,13 +501,15 @@ TEST_F(Kernel, HandlesRunOutAndComeBack)
     std::vector<HFILE> open;
     for (HFILE file = 0; file != HFILE_ERROR && open.size() < 1000;) {
         file = _lopen(Path("file").c_str(), OF_READ);
-        if (file != HFILE_ERROR)
+        if (file != HFILE_ERROR) {
             open.push_back(file);
+        }
     }
     EXPECT_GE(open.size(), 16U);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_TOO_MANY_OPEN_FILES});
-    for (HFILE file : open)
+    for (HFILE file : open) {
         EXPECT_EQ(_lclose(file), 0);
+    }
     HFILE again = _lopen(Path("file").c_str(), OF_READ);
     EXPECT_NE(again, HFILE_ERROR);
     _lclose(again);
@@ -527,8 +537,9 @@ TEST(KernelMemory, BlocksAreZeroFilledFoundByAddressAndFailOnRequest)
     EXPECT_EQ(GlobalAlloc(GHND, SIZE_T{1} << 60), nullptr);
 
     EXPECT_FALSE(GlobalUnlock(block));
-    for (HGLOBAL entry : {block, first, second})
+    for (HGLOBAL entry : {block, first, second}) {
         EXPECT_EQ(GlobalFree(entry), nullptr);
+    }
     EXPECT_EQ(GlobalFree(block), block) << "freed already";
     EXPECT_EQ(GlobalLock(block), nullptr);
     EXPECT_EQ(GlobalBlocksInUse(), before);

@@ -1,8 +1,7 @@
 // A process that is saving is killed before each file-system call, and in the middle of each write. The data file or
 // its backup is whole then.
-#include "tests/save_scenarios.h"
-
 #include "platform/kernel/system_calls.h"
+#include "tests/save_scenarios.h"
 
 #include <csignal>
 #include <memory>

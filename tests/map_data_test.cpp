@@ -3,18 +3,16 @@
 #include "mapdata/map_bytes.h"
 #include "platform/kernel/test_hooks.h"
 
-#include <gtest/gtest.h>
-
-#include <sys/resource.h>
-
 #include <algorithm>
 #include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <iterator>
 #include <random>
 #include <string>
+#include <sys/resource.h>
 #include <vector>
 
 namespace {

@@ -1,8 +1,7 @@
 // Opening, creating, changing, saving and quitting, driven as a user would, with real files in a folder of their own.
-#include "tests/dialog_driver.h"
-
 #include "mapdata/map_bytes.h"
 #include "platform/kernel/test_hooks.h"
+#include "tests/dialog_driver.h"
 
 #include <cstring>
 #include <filesystem>

@@ -1,14 +1,12 @@
 // Opening maps: good ones, every kind of bad file, and that a good map opens after each of them.
-#include "tests/editor_session.h"
-
 #include "platform/kernel/system_calls.h"
 #include "platform/kernel/test_hooks.h"
+#include "tests/editor_session.h"
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
-
 #include <fcntl.h>
+#include <filesystem>
 #include <sys/stat.h>
 #include <unistd.h>
 

@@ -20,15 +20,18 @@ struct Picture {
         : storage(static_cast<size_t>((width + margin) * height), fill),
           surface{storage.data(), width, height, width + margin, {}}, dc(CreateSurfaceDC(&surface))
     {
-        for (int y = 0; y < height; ++y)
+        for (int y = 0; y < height; ++y) {
             std::fill_n(storage.begin() + y * (width + margin) + width, margin, 0xDEADBEEF);
+        }
     }
 
     ~Picture()
     {
-        for (int y = 0; y < surface.height; ++y)
-            for (int x = surface.width; x < surface.stride; ++x)
+        for (int y = 0; y < surface.height; ++y) {
+            for (int x = surface.width; x < surface.stride; ++x) {
                 EXPECT_EQ(storage[static_cast<size_t>(y * surface.stride + x)], 0xDEADBEEF);
+            }
+        }
         DeleteSurfaceDC(dc);
     }
 
@@ -46,8 +49,9 @@ struct Picture {
         std::vector<std::string> rows;
         for (int y = 0; y < surface.height; ++y) {
             rows.emplace_back();
-            for (int x = 0; x < surface.width; ++x)
+            for (int x = 0; x < surface.width; ++x) {
                 rows.back() += At(x, y) == value ? '#' : '.';
+            }
         }
         return rows;
     }

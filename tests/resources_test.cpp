@@ -1,11 +1,10 @@
 // The embedded resources as the generators leave them: texts, menus, interface bitmap, cursors, icons and sounds.
 #include "platform/kernel/resource_table.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <gtest/gtest.h>
 #include <map>
 #include <set>
 #include <string>
@@ -18,8 +17,9 @@ enum ResourceType { cursorType = 1, bitmapType = 2, iconType = 3, menuType = 4 }
 std::map<uint32_t, std::string> Texts()
 {
     std::map<uint32_t, std::string> texts;
-    for (int i = 0; i < moduleStringCount; i++)
+    for (int i = 0; i < moduleStringCount; i++) {
         texts[moduleStrings[i].id] = moduleStrings[i].text;
+    }
     return texts;
 }
 
@@ -37,8 +37,9 @@ struct Bytes {
     {
         uint32_t number = 0;
         EXPECT_LE(offset + width, size) << "read past the resource's end";
-        for (uint32_t i = 0; i < width && offset + i < size; i++)
+        for (uint32_t i = 0; i < width && offset + i < size; i++) {
             number |= static_cast<uint32_t>(data[offset + i]) << (8 * i);
+        }
         return number;
     }
     std::string Text() const
@@ -55,8 +56,9 @@ Bytes Find(int type, const std::string& name, int number)
                                            : resource.typeName != nullptr && std::string("WAVE") == resource.typeName;
         const bool nameMatches = name.empty() ? resource.name == nullptr && resource.number == number
                                               : resource.name != nullptr && name == resource.name;
-        if (typeMatches && nameMatches)
+        if (typeMatches && nameMatches) {
             return {resource.data, resource.size};
+        }
     }
     ADD_FAILURE() << "no resource of type " << type << " named " << name << number;
     return {};
@@ -89,9 +91,11 @@ uint32_t ColourAt(const Bytes& bitmap, int h, int v)
 std::vector<uint32_t> Pixels(const Bytes& bitmap, const Area& area)
 {
     std::vector<uint32_t> pixels;
-    for (int v = area.top; v < area.bottom; v++)
-        for (int h = area.left; h < area.right; h++)
+    for (int v = area.top; v < area.bottom; v++) {
+        for (int h = area.left; h < area.right; h++) {
             pixels.push_back(ColourAt(bitmap, h, v));
+        }
+    }
     return pixels;
 }
 
@@ -106,14 +110,18 @@ TEST(ResourceStrings, AreThereForEveryIdThatTheProgramReadsAndForNoOther)
         {15153, 15157}, {15160, 15170}, {15172, 15191},
     }};
     std::set<uint32_t> wanted, found;
-    for (const auto& range : ranges)
-        for (uint32_t id = range[0]; id <= range[1]; id++)
+    for (const auto& range : ranges) {
+        for (uint32_t id = range[0]; id <= range[1]; id++) {
             wanted.insert({id, id + 500});
-    for (const auto& [id, text] : Texts())
+        }
+    }
+    for (const auto& [id, text] : Texts()) {
         found.insert(id);
+    }
     EXPECT_EQ(found, wanted);
-    for (int i = 1; i < moduleStringCount; i++)
+    for (int i = 1; i < moduleStringCount; i++) {
         EXPECT_LT(moduleStrings[i - 1].id, moduleStrings[i].id) << "the table is searched by halves";
+    }
 }
 
 TEST(ResourceStrings, KeepTheirOddBlanksAndStops)
@@ -142,8 +150,9 @@ TEST(ResourceStrings, KeepTheirOddBlanksAndStops)
         {15518, "D\303\251faillance d'attribution de m\303\251moire."},
     };
     const auto texts = Texts();
-    for (const auto& [id, text] : exact)
+    for (const auto& [id, text] : exact) {
         EXPECT_EQ(texts.count(id) ? texts.at(id) : "", text) << id;
+    }
 }
 
 TEST(ResourceStrings, FitTheBuffersAndSingleByteFonts)
@@ -153,10 +162,11 @@ TEST(ResourceStrings, FitTheBuffersAndSingleByteFonts)
         EXPECT_LE(text.size(), 254u) << id;
         for (size_t i = 0; i < text.size(); i++) {
             const uint8_t byte = static_cast<uint8_t>(text[i]);
-            if (byte == 0xC2 || byte == 0xC3) // the lead bytes of U+0080 to U+00FF
+            if (byte == 0xC2 || byte == 0xC3) { // the lead bytes of U+0080 to U+00FF
                 EXPECT_EQ(static_cast<uint8_t>(text[++i]) & 0xC0, 0x80) << id;
-            else
+            } else {
                 EXPECT_TRUE(byte >= 0x20 && byte < 0x7F) << id << " at " << i;
+            }
         }
     }
 }
@@ -166,8 +176,9 @@ TEST(ResourceStrings, DifferInFrenchAndKeepLeadingAndTrailingBlanks)
     const std::set<std::string> sameInBoth = {"UTM ", "OK"};
     const auto texts = Texts();
     for (const auto& [id, english] : texts) {
-        if (!IsEnglish(id) || texts.count(id + 500) == 0)
+        if (!IsEnglish(id) || texts.count(id + 500) == 0) {
             continue;
+        }
         const std::string& french = texts.at(id + 500);
         EXPECT_EQ(english == french, sameInBoth.count(english) == 1) << id;
         EXPECT_EQ(english.front() == ' ', french.front() == ' ') << id;
@@ -187,12 +198,13 @@ TEST(ResourceMenus, HaveTheSameCommandsAndKeysInBothLanguages)
             const std::string line = menu.substr(start, end - start);
             const size_t bar = std::min(line.find('|'), line.size());
             const std::string key = line.substr(bar);
-            if (line.substr(0, 2) != "  ")
+            if (line.substr(0, 2) != "  ") {
                 lines.push_back({"title", line, key});
-            else if (line == "  -")
+            } else if (line == "  -") {
                 lines.push_back({"-", "", key});
-            else
+            } else {
                 lines.push_back({line.substr(2, 3), line.substr(6, bar - 6), key});
+            }
         }
         return lines;
     };
@@ -224,17 +236,20 @@ TEST(InterfaceBitmap, HasItsSizeAndAPaletteWithEveryNamedColour)
     EXPECT_EQ(bitmap.Number(16, 4), 0u) << "not compressed";
 
     std::set<uint32_t> palette;
-    for (uint32_t entry = 0; entry < 256; entry++)
+    for (uint32_t entry = 0; entry < 256; entry++) {
         palette.insert(bitmap.Number(tableOffset + 4 * entry, 4));
+    }
     EXPECT_EQ(palette.size(), 256u) << "an entry is there twice";
     EXPECT_EQ(bitmap.Number(tableOffset, 4), black);
     EXPECT_EQ(bitmap.Number(tableOffset + 4 * 255, 4), white);
-    for (const uint32_t grey : {17, 34, 51, 85, 102, 119, 128, 153, 170, 187, 192, 221, 238})
+    for (const uint32_t grey : {17, 34, 51, 85, 102, 119, 128, 153, 170, 187, 192, 221, 238}) {
         EXPECT_EQ(palette.count(Rgb(grey, grey, grey)), 1u) << grey;
+    }
     for (const uint32_t colour :
          {Rgb(255, 0, 0), Rgb(0, 255, 0), Rgb(0, 0, 255), Rgb(122, 0, 122), Rgb(255, 255, 204), Rgb(204, 154, 102),
-          olive, Rgb(166, 202, 240), Rgb(102, 204, 102), Rgb(153, 0, 51), Rgb(154, 104, 52), Rgb(255, 255, 102)})
+          olive, Rgb(166, 202, 240), Rgb(102, 204, 102), Rgb(153, 0, 51), Rgb(154, 104, 52), Rgb(255, 255, 102)}) {
         EXPECT_EQ(palette.count(colour), 1u) << std::hex << colour;
+    }
 }
 
 TEST(InterfaceBitmap, NoGoTilesAreThreeWhiteDigitsOnBlack)
@@ -279,8 +294,9 @@ TEST(InterfaceBitmap, CheckBoxesStandOnOliveAndShowFourStates)
     EXPECT_EQ(different.size(), 4u);
     const auto off = Pixels(bitmap, boxes[0]), on = Pixels(bitmap, boxes[1]);
     int changed = 0;
-    for (size_t i = 0; i < off.size(); i++)
+    for (size_t i = 0; i < off.size(); i++) {
         changed += off[i] != on[i];
+    }
     EXPECT_GE(changed, 30) << "on and off are hard to tell apart";
 }
 
@@ -288,8 +304,9 @@ TEST(InterfaceBitmap, GrowBlockContinuesTheCornerBoxAndMarksTheClickArea)
 {
     const Bytes bitmap = Find(bitmapType, "", 24965);
     constexpr int middle = growBlock.top + 18;
-    for (const uint32_t colour : Pixels(bitmap, {growBlock.left, growBlock.top, growBlock.right, middle}))
+    for (const uint32_t colour : Pixels(bitmap, {growBlock.left, growBlock.top, growBlock.right, middle})) {
         EXPECT_EQ(colour, Rgb(187, 187, 187));
+    }
     int dark = 0;
     for (int v = middle; v < growBlock.bottom; v++) {
         for (int h = growBlock.left; h < growBlock.right; h++) {
@@ -312,8 +329,9 @@ TEST(InterfaceBitmap, IsBlackOutsideItsPictures)
     for (int v = 0; v < height; v++) {
         for (int h = 0; h < width; h++) {
             bool inside = false;
-            for (const Area& area : pictures)
+            for (const Area& area : pictures) {
                 inside = inside || (h >= area.left && h < area.right && v >= area.top && v < area.bottom);
+            }
             strays += !inside && ColourAt(bitmap, h, v) != black;
         }
     }

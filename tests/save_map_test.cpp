@@ -1,7 +1,6 @@
 // Saving with its backup, and the questions before the program ends, in every state.
-#include "tests/editor_session.h"
-
 #include "platform/kernel/system_calls.h"
+#include "tests/editor_session.h"
 
 #include <cerrno>
 #include <cstring>

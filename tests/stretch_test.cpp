@@ -71,16 +71,18 @@ TEST(Gdi, RowsOfLargePicturesAreCopiedToTheirLastPixel)
     constexpr int side = 2100;
     Picture target(side, side, 0);
     std::vector<uint32_t> row(23);
-    for (size_t i = 0; i < row.size(); i++)
+    for (size_t i = 0; i < row.size(); i++) {
         row[i] = static_cast<uint32_t>(i + 1);
+    }
     for (int x = 0; x < 5; x++) {
         for (int count = 1; count <= static_cast<int>(row.size()); count++) {
             const int y = x * 100 + count * 4;
             ASSERT_EQ(Stretch(target.dc, x, y, count, 2, NewDib(count, 1, row)), 1);
             for (int below = y; below < y + 2; below++) {
-                for (int i = x == 0 ? 0 : -1; i <= count; i++)
+                for (int i = x == 0 ? 0 : -1; i <= count; i++) {
                     ASSERT_EQ(target.At(x + i, below), i < 0 || i == count ? 0u : row[static_cast<size_t>(i)])
                         << x << " " << count << " " << i;
+                }
             }
             ASSERT_EQ(target.At(x, y + 2), 0u);
         }

@@ -74,9 +74,11 @@ class DrawingTest : public ToolboxTest {
     static int CountInk(const Rect& area, COLORREF colour)
     {
         int count = 0;
-        for (int v = area.top; v < area.bottom; v++)
-            for (int h = area.left; h < area.right; h++)
+        for (int v = area.top; v < area.bottom; v++) {
+            for (int h = area.left; h < area.right; h++) {
                 count += PixelAt(h, v) == colour ? 1 : 0;
+            }
+        }
         return count;
     }
 };

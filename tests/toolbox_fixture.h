@@ -7,7 +7,6 @@
 #include "toolbox/windows.h"
 
 #include <gtest/gtest.h>
-
 #include <vector>
 
 inline std::vector<UINT> dispatchedMessages;
@@ -74,8 +73,9 @@ class ToolboxTest : public testing::Test {
         std::vector<EventRecord> events;
         int idle = 0;
         while ((idle < 3 || HeadlessStepsLeft() > 0) && events.size() < 50) {
-            if (WaitNextEvent(mask, &currentEvent, 0, region) != nullEvent)
+            if (WaitNextEvent(mask, &currentEvent, 0, region) != nullEvent) {
                 events.push_back(currentEvent);
+            }
             idle = currentEvent.when == 0 ? idle + 1 : 0;
         }
         return events;
@@ -85,8 +85,9 @@ class ToolboxTest : public testing::Test {
     static bool TakePress()
     {
         for (int i = 0; i < 100; i++) {
-            if (WaitNextEvent(mDownMask, &currentEvent, 0, nullptr) == mouseDown)
+            if (WaitNextEvent(mDownMask, &currentEvent, 0, nullptr) == mouseDown) {
                 return true;
+            }
         }
         return false;
     }

@@ -61,11 +61,13 @@ TEST_F(ToolboxTest, KeysArriveAsTheirMessages)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        if (row.held != 0)
+        if (row.held != 0) {
             ScriptKeyDown(row.held);
+        }
         ScriptKey(row.key);
-        if (row.held != 0)
+        if (row.held != 0) {
             ScriptKeyUp(row.held);
+        }
         const std::vector<EventRecord> events = TakeEvents();
         ASSERT_EQ(events.size(), 1u) << "Ctrl and Shift alone are no events";
         EXPECT_EQ(events[0].what, keyDown);
@@ -77,8 +79,9 @@ TEST_F(ToolboxTest, KeysArriveAsTheirMessages)
 TEST_F(ToolboxTest, F7IsNoFunctionKeyAndAltGivesOnlyTheReleaseOfL)
 {
     ScriptKey(VK_F7);
-    for (const EventRecord& event : TakeEvents())
+    for (const EventRecord& event : TakeEvents()) {
         EXPECT_LE(event.message, 0xFFu);
+    }
     ScriptKeyDown(VK_MENU);
     ScriptText("lk");
     ScriptKeyUp(VK_MENU);
@@ -226,8 +229,9 @@ class TrailTest : public ToolboxTest {
         GlobalToLocal(&last);
         Point point = {};
         for (int i = 0; i < 2000 && NextTrailPoint(&point); i++) {
-            if (!EqualPt(point, last))
+            if (!EqualPt(point, last)) {
                 text += std::to_string(point.h) + "," + std::to_string(point.v) + " ";
+            }
             last = point;
         }
         EXPECT_EQ(NextTrailPoint(&point), 0) << "the trail has an end";
@@ -268,8 +272,9 @@ TEST_F(TrailTest, PositionsOfOneMillisecondMayArriveOneByOne)
     slowHost.nextEvent = [](HostEvent* event) { return given++ == 0 ? headlessHost.nextEvent(event) : 0; };
     host = &slowHost;
     Press(10, 10);
-    for (const int h : {20, 30, 40, 30, 20, 30, 50})
+    for (const int h : {20, 30, 40, 30, 20, 30, 50}) {
         Move(h, 10);
+    }
     ScriptRelease(200);
     Move(90, 30);
     EXPECT_EQ(Follow(), "20,10 30,10 40,10 30,10 20,10 30,10 50,10 ");
@@ -515,8 +520,9 @@ TEST_F(ToolboxTest, GrowingFollowsThePointerWithinItsLimits)
     ScriptCall(
         [corner] {
             EXPECT_FALSE(headless.outline.empty());
-            for (const HostSegment& segment : headless.outline)
+            for (const HostSegment& segment : headless.outline) {
                 EXPECT_TRUE(segment.y0 == corner.y + 350 || segment.x0 == corner.x + 370) << "bottom and right edge";
+            }
         },
         40);
     ScriptMove(corner.x + 555, corner.y + 290);
@@ -554,8 +560,9 @@ TEST_F(ToolboxTest, KeyEquivalentsWorkOnlyForEnabledItems)
         EXPECT_EQ(MenuKey(row.character), row.result);
         DisableItem(row.menu, row.item);
     }
-    for (const int character : {int{'p'}, int{'e'}, int{'N'}, int{'l'}, int{'u'}, 0, -1, 300})
+    for (const int character : {int{'p'}, int{'e'}, int{'N'}, int{'l'}, int{'u'}, 0, -1, 300}) {
         EXPECT_EQ(MenuKey(character), 0u);
+    }
 
     EnableItem(shell.fileMenu, 0);
     EXPECT_EQ(GetMenuState(bar, 0, MF_BYPOSITION) & (MF_GRAYED | MF_DISABLED), 0u);

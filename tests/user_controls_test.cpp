@@ -30,8 +30,9 @@ TEST_F(User, TheMenuBarComesFromTheResourcesAndDisabledItemsAreNeverChosen)
     auto Chosen = [&](int command) {
         Report(hostMenuChoice, main, command);
         for (const MSG& message : Drain()) {
-            if (message.message == WM_COMMAND)
+            if (message.message == WM_COMMAND) {
                 return static_cast<int>(message.wParam);
+            }
         }
         return 0;
     };
@@ -146,8 +147,9 @@ TEST_F(User, AnOutlineDrawnTwiceIsGoneAndNothingShowsInBetween)
     GdiFlush();
     ASSERT_EQ(fake.outline.size(), 4U);
     int pixels = 0;
-    for (const HostSegment& segment : fake.outline)
+    for (const HostSegment& segment : fake.outline) {
         pixels += segment.x1 - segment.x0 + segment.y1 - segment.y0 + 1;
+    }
     EXPECT_EQ(pixels, 2 * 100 + 2 * 200) << "every pixel of the rectangle once";
     DrawOutline(dc, 10, 20, 110, 220);
     DrawOutline(dc, 15, 20, 115, 220);
@@ -169,8 +171,9 @@ TEST_F(User, AnOutlineDrawnTwiceIsGoneAndNothingShowsInBetween)
     GdiFlush();
     ASSERT_EQ(fake.outline.size(), 2U);
     bool corner = false;
-    for (const HostSegment& segment : fake.outline)
+    for (const HostSegment& segment : fake.outline) {
         corner = corner || (segment.x1 == 400 && segment.y1 == 300);
+    }
     EXPECT_TRUE(corner);
 }
 

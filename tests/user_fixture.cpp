@@ -17,8 +17,9 @@ FakeWindow* Fake(HostWindow* window)
 FakeWindow* Fake(HWND handle)
 {
     for (const std::unique_ptr<FakeWindow>& window : fake.windows) {
-        if (window->token == handle)
+        if (window->token == handle) {
             return window.get();
+        }
     }
     return nullptr;
 }
@@ -47,14 +48,17 @@ Host MakeFakeHost()
     };
     filled.pump = [](int wait) {
         fake.waits.push_back(wait);
-        if (fake.onPump)
+        if (fake.onPump) {
             fake.onPump();
-        if (fake.events.empty())
+        }
+        if (fake.events.empty()) {
             fake.clock += static_cast<uint32_t>(wait);
+        }
     };
     filled.nextEvent = [](HostEvent* event) {
-        if (fake.events.empty())
+        if (fake.events.empty()) {
             return 0;
+        }
         *event = fake.events.front();
         fake.events.pop_front();
         return 1;
@@ -76,8 +80,9 @@ Host MakeFakeHost()
     filled.placeWindow = [](HostWindow* handle, int left, int top, int width, int height) {
         FakeWindow* window = Fake(handle);
         window->placed++;
-        if (left != hostDefaultPlace)
+        if (left != hostDefaultPlace) {
             PlaceFrame(window, left, top);
+        }
         if (width != 0 || height != 0) {
             window->width = width;
             window->height = height;
@@ -146,8 +151,9 @@ Host MakeFakeHost()
         fake.cursorKind = kind;
         fake.hotX = hotX;
         fake.hotY = hotY;
-        if (image)
+        if (image) {
             fake.cursorPixels.assign(image->pixels, image->pixels + image->width * image->height);
+        }
     };
     filled.showOutline = [](const HostSegment* segments, int count) {
         fake.outlineCalls++;
@@ -175,8 +181,9 @@ const Host fakeHost = MakeFakeHost();
 
 LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    if (message != WM_GETMINMAXINFO && message != WM_SIZING)
+    if (message != WM_GETMINMAXINFO && message != WM_SIZING) {
         seen.push_back({window, message, wParam, lParam});
+    }
     bool answered = false;
     const LRESULT answer = react ? react(window, message, wParam, lParam, &answered) : 0;
     return answered ? answer : DefWindowProcA(window, message, wParam, lParam);
@@ -186,8 +193,9 @@ std::vector<UINT> SeenMessages(HWND window)
 {
     std::vector<UINT> messages;
     for (const Seen& entry : seen) {
-        if (entry.window == window)
+        if (entry.window == window) {
             messages.push_back(entry.message);
+        }
     }
     return messages;
 }

@@ -6,11 +6,10 @@
 #include "platform/platform.h"
 #include "platform/user/platform_reset.h"
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <deque>
 #include <functional>
+#include <gtest/gtest.h>
 #include <map>
 #include <memory>
 #include <string>

@@ -55,8 +55,9 @@ TEST_F(User, AnewPlaceAndSizeAreToldInOrderAndRightAtOnce)
 {
     RECT atChange = {};
     react = [&](HWND window, UINT message, WPARAM, LPARAM, bool*) -> LRESULT {
-        if (message == WM_WINDOWPOSCHANGED)
+        if (message == WM_WINDOWPOSCHANGED) {
             GetClientRect(window, &atChange);
+        }
         return 0;
     };
     MoveWindow(main, 50, 60, 409, 356, TRUE);
@@ -186,8 +187,9 @@ TEST_F(User, AWindowMayBeDestroyedFromInsideAnyOfItsMessages)
     for (UINT killer : {UINT{WM_CREATE}, UINT{WM_SIZE}, UINT{WM_MOVE}, UINT{WM_WINDOWPOSCHANGED}, UINT{WM_ERASEBKGND},
                         UINT{WM_GETMINMAXINFO}, UINT{WM_SIZING}, UINT{WM_ACTIVATEAPP}, UINT{WM_PAINT}}) {
         react = [&](HWND window, UINT message, WPARAM, LPARAM, bool*) -> LRESULT {
-            if (message == killer)
+            if (message == killer) {
                 DestroyWindow(window);
+            }
             return 0;
         };
         HWND window = CreateWindowExA(0, "MainClass", "", WS_OVERLAPPEDWINDOW, 0, 0, 300, 300, nullptr, nullptr,
@@ -216,8 +218,9 @@ TEST_F(User, PopupsStayAboveTheWindowThatOwnsThem)
     HWND first = MakePanel(0, 0, 50, 50);
     HWND second = MakePanel(10, 10, 50, 50);
     EXPECT_EQ(GetTopWindow(nullptr), second);
-    for (int i = 0; i < 3; i++)
+    for (int i = 0; i < 3; i++) {
         SetWindowPos(main, HWND_NOTOPMOST, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+    }
     EXPECT_EQ(Fake(main)->raised, 0);
     EXPECT_EQ(GetTopWindow(nullptr), second);
     SetWindowPos(first, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
@@ -280,20 +283,23 @@ TEST_F(User, RegionsAreExactWhateverIsAddedAndTakenAway)
             const bool add = random() % 3 != 0;
             add ? AddToRegion(region, area) : SubtractFromRegion(region, area);
             for (LONG y = area.top; y < area.bottom; y++) {
-                for (LONG x = area.left; x < area.right; x++)
+                for (LONG x = area.left; x < area.right; x++) {
                     model[y][x] = add;
+                }
             }
         }
         int covered[side][side] = {};
         for (const RECT& part : region) {
             for (LONG y = part.top; y < part.bottom; y++) {
-                for (LONG x = part.left; x < part.right; x++)
+                for (LONG x = part.left; x < part.right; x++) {
                     covered[y][x]++;
+                }
             }
         }
         for (int y = 0; y < side; y++) {
-            for (int x = 0; x < side; x++)
+            for (int x = 0; x < side; x++) {
                 ASSERT_EQ(covered[y][x], model[y][x] ? 1 : 0) << "round " << round;
+            }
         }
     }
 }
@@ -357,14 +363,16 @@ TEST_F(User, FiltersLeaveOtherMessagesInTheirOrder)
 
 TEST_F(User, MovesMergeInTheQueueButNotInTheHistory)
 {
-    for (int i = 0; i < 5; i++)
+    for (int i = 0; i < 5; i++) {
         fake.events.push_back(PointerEvent(hostPointerMove, main, 200 + i, 210));
+    }
     fake.events.push_back(PointerEvent(hostPointerDown, main, 204, 210, hostLeftButton));
     fake.events.push_back(PointerEvent(hostPointerMove, main, 205, 210));
     fake.events.push_back(PointerEvent(hostPointerUp, main, 207, 210, hostLeftButton));
     std::vector<UINT> messages;
-    for (const MSG& message : Drain())
+    for (const MSG& message : Drain()) {
         messages.push_back(message.message);
+    }
     EXPECT_EQ(messages, (std::vector<UINT>{WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_MOUSEMOVE, WM_LBUTTONUP}));
 
     MOUSEMOVEPOINT from = {}, history[1024];
@@ -374,8 +382,9 @@ TEST_F(User, MovesMergeInTheQueueButNotInTheHistory)
     EXPECT_EQ(history[6].x, 200);
     EXPECT_LT(history[6].time, history[0].time);
     EXPECT_EQ(GetMouseMovePointsEx(sizeof from, &from, history, 1025, GMMP_USE_DISPLAY_POINTS), -1);
-    for (int i = 0; i < 1100; i++)
+    for (int i = 0; i < 1100; i++) {
         fake.events.push_back(PointerEvent(hostPointerMove, main, i, 0));
+    }
     GetAsyncKeyState(VK_LBUTTON);
     EXPECT_EQ(GetMouseMovePointsEx(sizeof from, &from, history, 1024, GMMP_USE_DISPLAY_POINTS), 1024);
     EXPECT_EQ(history[0].x, 1099);
@@ -483,8 +492,9 @@ TEST_F(User, PollingHandlesNoMessageAndYieldsWhenNothingIsNew)
     EXPECT_TRUE(seen.empty());
     EXPECT_TRUE(IsWindow(main));
     fake.waits.clear();
-    for (int i = 0; i < 50; i++)
+    for (int i = 0; i < 50; i++) {
         GetAsyncKeyState(VK_LBUTTON);
+    }
     EXPECT_GE(std::count(fake.waits.begin(), fake.waits.end(), 1), 40);
     // The button goes up while the poll waits: the answer and the queue both know.
     fake.onPump = [&] {
@@ -494,8 +504,9 @@ TEST_F(User, PollingHandlesNoMessageAndYieldsWhenNothingIsNew)
         }
     };
     int polls = 0;
-    while (GetAsyncKeyState(VK_LBUTTON) < 0 && polls < 1000)
+    while (GetAsyncKeyState(VK_LBUTTON) < 0 && polls < 1000) {
         polls++;
+    }
     EXPECT_LT(polls, 1000);
     MOUSEMOVEPOINT from = {}, newest;
     ASSERT_EQ(GetMouseMovePointsEx(sizeof from, &from, &newest, 1, GMMP_USE_DISPLAY_POINTS), 1);
@@ -529,8 +540,9 @@ TEST_F(User, TheProgramHearsOfItsActivationOnlyWhenItChanges)
     auto Heard = [&] {
         std::string heard;
         for (const Seen& entry : seen) {
-            if (entry.message == WM_ACTIVATEAPP)
+            if (entry.message == WM_ACTIVATEAPP) {
                 heard += std::string(entry.window == main ? "m" : "p") + (entry.wParam ? "1" : "0");
+            }
         }
         seen.clear();
         return heard;

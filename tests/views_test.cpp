@@ -1,7 +1,6 @@
 // What the View menu adds to the map: read-out, UTM grid, terrain analysis; and that all of it goes away whole.
-#include "tests/editor_session.h"
-
 #include "app/map_views.h"
+#include "tests/editor_session.h"
 
 namespace {
 

@@ -1,8 +1,7 @@
+#include "toolbox/conversions.h"
 #include "toolbox/drawing.h"
 
 #include <algorithm>
-
-#include "toolbox/conversions.h"
 
 void FillRectBrush(const Rect* rect, HBRUSH brush)
 {

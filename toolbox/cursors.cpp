@@ -1,5 +1,4 @@
 #include "toolbox/resources.h"
-
 #include "toolbox/shell_door.h"
 
 static bool IsOwnCursor(int id)

@@ -26,15 +26,17 @@ static uint8_t* MapPages(size_t length)
 {
     const size_t spare = length < hugeBlockSize ? 0 : hugePageSize;
     void* mapped = mmap(nullptr, length + spare, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (mapped == MAP_FAILED)
+    if (mapped == MAP_FAILED) {
         return nullptr;
+    }
     uint8_t* bytes = static_cast<uint8_t*>(mapped);
     if (spare > 0) {
         // Keeps the part that begins at a huge page.
         const size_t before = hugePageSize - reinterpret_cast<uintptr_t>(bytes) % hugePageSize;
         munmap(bytes, before);
-        if (before < spare)
+        if (before < spare) {
             munmap(bytes + before + length, spare - before);
+        }
         bytes += before;
         madvise(bytes, length, MADV_HUGEPAGE);
     }
@@ -50,25 +52,28 @@ bool AllocateBlock(PixelBlock* block, size_t size)
         uint8_t* pages = MapPages(MappedLength(size));
         block->bytes = pages ? pages + pageSkew : nullptr;
     }
-    if (block->bytes)
+    if (block->bytes) {
         block->size = size;
+    }
     return block->bytes != nullptr;
 }
 
 void FreeBlock(PixelBlock* block)
 {
-    if (block->size >= pageBlockSize)
+    if (block->size >= pageBlockSize) {
         munmap(block->bytes - pageSkew, MappedLength(block->size));
-    else
+    } else {
         free(block->bytes);
+    }
     *block = {nullptr, 0};
 }
 
 HBITMAP NewBitmapRecord()
 {
     HBITMAP bitmap = new (std::nothrow) HBITMAP__{};
-    if (bitmap)
+    if (bitmap) {
         bitmap->header = {ObjectType::bitmap, 0, false};
+    }
     return bitmap;
 }
 
@@ -80,15 +85,18 @@ void FreeBitmap(HBITMAP bitmap)
 
 HBITMAP NewNativeBitmap(int width, int height)
 {
-    if (width < 1 || height < 1)
+    if (width < 1 || height < 1) {
         return nullptr;
+    }
     size_t columns = static_cast<size_t>(width);
     size_t rows = static_cast<size_t>(height);
-    if (rows > SIZE_MAX / sizeof(uint32_t) / columns)
+    if (rows > SIZE_MAX / sizeof(uint32_t) / columns) {
         return nullptr;
+    }
     HBITMAP bitmap = NewBitmapRecord();
-    if (!bitmap)
+    if (!bitmap) {
         return nullptr;
+    }
     if (!AllocateBlock(&bitmap->block, columns * rows * sizeof(uint32_t))) {
         FreeBitmap(bitmap);
         return nullptr;
@@ -109,14 +117,17 @@ HBITMAP WINAPI CreateCompatibleBitmap(HDC dc, int width, int height)
 HBITMAP WINAPI CreateDIBitmap(HDC dc, const BITMAPINFOHEADER* header, DWORD flags, const void* bits,
                               const BITMAPINFO* info, UINT usage)
 {
-    if (!dc || !header || !bits || !info || flags != CBM_INIT || usage != DIB_RGB_COLORS)
+    if (!dc || !header || !bits || !info || flags != CBM_INIT || usage != DIB_RGB_COLORS) {
         return nullptr;
+    }
     int depth = header->biBitCount;
     int64_t height = header->biHeight;
-    if (header->biCompression != BI_RGB || (depth != 1 && depth != 4 && depth != 8 && depth != 24))
+    if (header->biCompression != BI_RGB || (depth != 1 && depth != 4 && depth != 8 && depth != 24)) {
         return nullptr;
-    if (header->biWidth < 1 || header->biWidth > largestSide || height == 0 || std::abs(height) > largestSide)
+    }
+    if (header->biWidth < 1 || header->biWidth > largestSide || height == 0 || std::abs(height) > largestSide) {
         return nullptr;
+    }
     DibLayout layout = {};
     layout.width = header->biWidth;
     layout.height = static_cast<int>(std::abs(height));
@@ -133,12 +144,15 @@ HBITMAP WINAPI CreateDIBitmap(HDC dc, const BITMAPINFOHEADER* header, DWORD flag
 
 int WINAPI GetObjectA(HANDLE object, int size, LPVOID record)
 {
-    if (!IsObject(object, ObjectType::bitmap))
+    if (!IsObject(object, ObjectType::bitmap)) {
         return 0;
-    if (!record)
+    }
+    if (!record) {
         return sizeof(BITMAP);
-    if (size < static_cast<int>(sizeof(BITMAP)))
+    }
+    if (size < static_cast<int>(sizeof(BITMAP))) {
         return 0;
+    }
     const PixelRows& rows = static_cast<HBITMAP>(object)->rows;
     BITMAP bitmap = {};
     bitmap.bmWidth = rows.width;

@@ -34,8 +34,9 @@ static uint32_t Word32(const uint8_t* bytes)
 // A field of the information header; short headers leave their last fields out, which are 0 then.
 static uint32_t HeaderField(const FileHead& head, uint32_t offset, uint32_t width)
 {
-    if (offset + width > head.headerSize)
+    if (offset + width > head.headerSize) {
         return 0;
+    }
     const uint8_t* field = head.bytes + fileHeaderSize + offset;
     return width == 2 ? Word16(field) : Word32(field);
 }
@@ -53,10 +54,12 @@ static bool ReadShape(const FileHead& head, DibLayout* layout)
     uint32_t bits = HeaderField(head, core ? 10 : 14, 2);
     layout->topDown = height < 0;
     height = std::abs(height);
-    if (width < 1 || width > largestSide || height < 1 || height > largestSide || planes != 1)
+    if (width < 1 || width > largestSide || height < 1 || height > largestSide || planes != 1) {
         return false;
-    if (bits != 1 && bits != 4 && bits != 8 && bits != 24 && (core || (bits != 16 && bits != 32)))
+    }
+    if (bits != 1 && bits != 4 && bits != 8 && bits != 24 && (core || (bits != 16 && bits != 32))) {
         return false;
+    }
     layout->width = static_cast<int>(width);
     layout->height = static_cast<int>(height);
     layout->bits = static_cast<int>(bits);
@@ -72,46 +75,56 @@ static bool ReadMasks(const FileHead& head, uint32_t compression, DibLayout* lay
         std::copy_n(layout->bits == 16 ? masks16 : masks32, 3, layout->masks);
         return true;
     }
-    if (layout->bits != 16 && layout->bits != 32)
+    if (layout->bits != 16 && layout->bits != 32) {
         return false;
+    }
     // The headers of OS/2 use this compression number for something else.
     const bool behindHeader = head.headerSize == 40;
-    if (!behindHeader && head.headerSize != 52 && head.headerSize != 56 && head.headerSize < 108)
+    if (!behindHeader && head.headerSize != 52 && head.headerSize != 56 && head.headerSize < 108) {
         return false;
-    if (behindHeader)
+    }
+    if (behindHeader) {
         *headersEnd += compression == compressionAlphaBitfields ? 16 : 12;
-    if (*headersEnd > head.fileSize)
+    }
+    if (*headersEnd > head.fileSize) {
         return false;
-    for (int index = 0; index < 3; ++index)
+    }
+    for (int index = 0; index < 3; ++index) {
         layout->masks[index] = Word32(head.bytes + fileHeaderSize + 40 + index * 4);
+    }
     return true;
 }
 
 // Fills the layout and finds where the pixels begin and, for uncompressed ones, end.
 static bool ReadHead(FileHead head, DibLayout* layout, uint64_t* pixelsBegin, uint64_t* pixelsEnd)
 {
-    if (head.fileSize < fileHeaderSize + 12 || head.bytes[0] != 'B' || head.bytes[1] != 'M')
+    if (head.fileSize < fileHeaderSize + 12 || head.bytes[0] != 'B' || head.bytes[1] != 'M') {
         return false;
+    }
     head.headerSize = Word32(head.bytes + fileHeaderSize);
     const bool core = head.headerSize == 12;
-    if (!core && (head.headerSize < 16 || head.headerSize > 64) && head.headerSize != 108 && head.headerSize != 124)
+    if (!core && (head.headerSize < 16 || head.headerSize > 64) && head.headerSize != 108 && head.headerSize != 124) {
         return false;
+    }
     uint64_t headersEnd = fileHeaderSize + head.headerSize;
-    if (headersEnd > head.fileSize || !ReadShape(head, layout))
+    if (headersEnd > head.fileSize || !ReadShape(head, layout)) {
         return false;
+    }
 
     const uint32_t compression = core ? BI_RGB : HeaderField(head, 16, 4);
     switch (compression) {
     case BI_RGB:
     case BI_BITFIELDS:
     case compressionAlphaBitfields:
-        if (!ReadMasks(head, compression, layout, &headersEnd))
+        if (!ReadMasks(head, compression, layout, &headersEnd)) {
             return false;
+        }
         break;
     case BI_RLE8:
     case BI_RLE4:
-        if (layout->bits != (compression == BI_RLE8 ? 8 : 4) || layout->topDown)
+        if (layout->bits != (compression == BI_RLE8 ? 8 : 4) || layout->topDown) {
             return false;
+        }
         layout->runLengths = true;
         break;
     default:
@@ -121,21 +134,24 @@ static bool ReadHead(FileHead head, DibLayout* layout, uint64_t* pixelsBegin, ui
     const uint64_t entryBytes = core ? 3 : 4;
     const uint64_t possible = layout->bits <= 8 ? 1u << layout->bits : 0;
     uint64_t colours = core ? possible : HeaderField(head, 32, 4);
-    if (possible > 0 && (colours == 0 || colours > possible))
+    if (possible > 0 && (colours == 0 || colours > possible)) {
         colours = possible;
+    }
 
     const uint64_t stated = Word32(head.bytes + 10);
     *pixelsBegin = stated != 0 ? stated : headersEnd + colours * entryBytes;
-    if (*pixelsBegin < headersEnd || *pixelsBegin >= head.fileSize)
+    if (*pixelsBegin < headersEnd || *pixelsBegin >= head.fileSize) {
         return false;
+    }
     if (possible > 0) {
         colours = std::min(colours, (*pixelsBegin - headersEnd) / entryBytes);
         ReadColourTable(layout, head.bytes + headersEnd, static_cast<int>(colours), static_cast<int>(entryBytes));
     }
 
     *pixelsEnd = head.fileSize;
-    if (layout->runLengths)
+    if (layout->runLengths) {
         return true;
+    }
     *pixelsEnd = *pixelsBegin + static_cast<uint64_t>(DibRowBytes(*layout)) * static_cast<uint64_t>(layout->height);
     return *pixelsEnd <= head.fileSize;
 }
@@ -144,8 +160,9 @@ HBITMAP BitmapFromFileBytes(const uint8_t* bytes, size_t size)
 {
     DibLayout layout = {};
     uint64_t begin, end;
-    if (!bytes || !ReadHead({bytes, size, 0}, &layout, &begin, &end))
+    if (!bytes || !ReadHead({bytes, size, 0}, &layout, &begin, &end)) {
         return nullptr;
+    }
     return BitmapFromDib(layout, bytes + begin, static_cast<size_t>(end - begin), nullptr);
 }
 
@@ -156,10 +173,11 @@ static bool ReadAt(int file, uint64_t offset, uint8_t* bytes, size_t size)
     size_t done = 0;
     while (done < size) {
         ssize_t got = systemCalls.readAt(file, bytes + done, size - done, static_cast<off_t>(offset + done));
-        if (got > 0)
+        if (got > 0) {
             done += static_cast<size_t>(got);
-        else if (got == 0 || errno != EINTR)
+        } else if (got == 0 || errno != EINTR) {
             return false;
+        }
     }
     return true;
 }
@@ -167,27 +185,32 @@ static bool ReadAt(int file, uint64_t offset, uint8_t* bytes, size_t size)
 static HBITMAP BitmapFromOpenFile(int file)
 {
     struct stat status;
-    if (systemCalls.statOpen(file, &status) != 0 || !S_ISREG(status.st_mode))
+    if (systemCalls.statOpen(file, &status) != 0 || !S_ISREG(status.st_mode)) {
         return nullptr;
+    }
     const uint64_t fileSize = static_cast<uint64_t>(status.st_size);
     uint8_t head[headBytes];
     DibLayout layout = {};
     uint64_t begin, end;
     if (!ReadAt(file, 0, head, static_cast<size_t>(std::min<uint64_t>(fileSize, headBytes))) ||
-        !ReadHead({head, fileSize, 0}, &layout, &begin, &end))
+        !ReadHead({head, fileSize, 0}, &layout, &begin, &end)) {
         return nullptr;
+    }
     // Run lengths need no more than this, however long the file is made.
     const uint64_t pixelCount = static_cast<uint64_t>(layout.width) * static_cast<uint64_t>(layout.height);
-    if (layout.runLengths)
+    if (layout.runLengths) {
         end = std::min(end, begin + pixelCount * 4 + headBytes);
+    }
 
     const size_t size = static_cast<size_t>(end - begin);
     PixelBlock block;
-    if (!AllocateBlock(&block, size))
+    if (!AllocateBlock(&block, size)) {
         return nullptr;
+    }
     HBITMAP bitmap = nullptr;
-    if (ReadAt(file, begin, block.bytes, size))
+    if (ReadAt(file, begin, block.bytes, size)) {
         bitmap = BitmapFromDib(layout, block.bytes, size, &block);
+    }
     FreeBlock(&block);
     return bitmap;
 }
@@ -195,15 +218,17 @@ static HBITMAP BitmapFromOpenFile(int file)
 HBITMAP BitmapFromFile(const char* path)
 {
     char resolved[4096];
-    if (!path || !ResolvePath(path, resolved, sizeof resolved))
+    if (!path || !ResolvePath(path, resolved, sizeof resolved)) {
         return nullptr;
+    }
     // Without O_NONBLOCK opening a named pipe would wait for its other end.
     int file;
     do {
         file = systemCalls.open(resolved, O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0);
     } while (file < 0 && errno == EINTR);
-    if (file < 0)
+    if (file < 0) {
         return nullptr;
+    }
     HBITMAP bitmap = BitmapFromOpenFile(file);
     systemCalls.close(file);
     return bitmap;

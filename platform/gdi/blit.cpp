@@ -36,8 +36,9 @@ void ConvertRow(uint32_t* destination, const PixelRows& source, int x, int y, in
         destination[count - 1] = static_cast<uint32_t>(from[2]) << 16 | static_cast<uint32_t>(from[1]) << 8 | from[0];
     } else {
         const uint8_t* from = row + x;
-        for (int index = 0; index < count; ++index)
+        for (int index = 0; index < count; ++index) {
             destination[index] = source.colours[from[index]];
+        }
     }
 }
 
@@ -59,15 +60,18 @@ static void MoveThroughCopy(HDC dc, Surface* surface, const RECT& area, int shif
     int width = area.right - area.left;
     int height = area.bottom - area.top;
     HBITMAP copy = NewNativeBitmap(width, height);
-    if (!copy)
+    if (!copy) {
         return;
-    for (int y = 0; y < height; ++y)
+    }
+    for (int y = 0; y < height; ++y) {
         memcpy(PixelAddress(&copy->surface, 0, y), PixelAddress(surface, area.left + shiftX, area.top + shiftY + y),
                static_cast<size_t>(width) * 4);
+    }
     ForEachVisiblePart(dc, surface, area, [=](const RECT& part) {
-        for (int y = part.top; y < part.bottom; ++y)
+        for (int y = part.top; y < part.bottom; ++y) {
             ConvertRow(PixelAddress(surface, part.left, y), copy->rows, part.left - area.left, y - area.top,
                        part.right - part.left);
+        }
     });
     FreeBitmap(copy);
 }
@@ -75,12 +79,14 @@ static void MoveThroughCopy(HDC dc, Surface* surface, const RECT& area, int shif
 BOOL WINAPI BitBlt(HDC destination, int x, int y, int width, int height, HDC source, int sourceX, int sourceY,
                    DWORD operation)
 {
-    if (!destination || !source || operation != SRCCOPY)
+    if (!destination || !source || operation != SRCCOPY) {
         return FALSE;
+    }
     Surface* surface = DrawingSurface(destination);
     PixelRows rows;
-    if (!surface || !SourceRows(source, &rows))
+    if (!surface || !SourceRows(source, &rows)) {
         return TRUE;
+    }
 
     // What lies in both the destination and the source, in the destination's device coordinates.
     const int64_t toLeft = static_cast<int64_t>(x) - destination->origin.x;
@@ -91,8 +97,9 @@ BOOL WINAPI BitBlt(HDC destination, int x, int y, int width, int height, HDC sou
     const int64_t top = std::max({toTop, -shiftV, int64_t{0}});
     const int64_t right = std::min({toLeft + width, rows.width - shiftH, int64_t{surface->width}});
     const int64_t bottom = std::min({toTop + height, rows.height - shiftV, int64_t{surface->height}});
-    if (left >= right || top >= bottom)
+    if (left >= right || top >= bottom) {
         return TRUE;
+    }
     const RECT area = {static_cast<LONG>(left), static_cast<LONG>(top), static_cast<LONG>(right),
                        static_cast<LONG>(bottom)};
     const int shiftX = static_cast<int>(shiftH);
@@ -100,9 +107,10 @@ BOOL WINAPI BitBlt(HDC destination, int x, int y, int width, int height, HDC sou
 
     if (rows.topRow != reinterpret_cast<const uint8_t*>(surface->pixels)) {
         ForEachVisiblePart(destination, surface, area, [&](const RECT& part) {
-            for (int row = part.top; row < part.bottom; ++row)
+            for (int row = part.top; row < part.bottom; ++row) {
                 ConvertRow(PixelAddress(surface, part.left, row), rows, part.left + shiftX, row + shiftY,
                            part.right - part.left);
+            }
         });
     } else if (destination->clipped && destination->clip.size() > 1) {
         MoveThroughCopy(destination, surface, area, shiftX, shiftY);

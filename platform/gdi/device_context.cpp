@@ -7,8 +7,9 @@
 static HDC NewDeviceContext(DeviceKind kind)
 {
     HDC dc = new (std::nothrow) HDC__{};
-    if (!dc)
+    if (!dc) {
         return nullptr;
+    }
     dc->kind = kind;
     dc->textColour = RGB(0, 0, 0);
     dc->backColour = RGB(255, 255, 255);
@@ -29,8 +30,9 @@ static void FreeDeviceContext(HDC dc)
     CountSelection(&dc->brush->header, -1);
     CountSelection(&dc->font->header, -1);
     CountSelection(&dc->palette->header, -1);
-    if (dc->bitmap)
+    if (dc->bitmap) {
         CountSelection(&dc->bitmap->header, -1);
+    }
     delete dc;
 }
 
@@ -41,8 +43,9 @@ HDC WINAPI CreateCompatibleDC(HDC)
 
 BOOL WINAPI DeleteDC(HDC dc)
 {
-    if (!dc || dc->kind != DeviceKind::memory)
+    if (!dc || dc->kind != DeviceKind::memory) {
         return FALSE;
+    }
     FreeDeviceContext(dc);
     return TRUE;
 }
@@ -50,28 +53,32 @@ BOOL WINAPI DeleteDC(HDC dc)
 HDC CreateSurfaceDC(Surface* surface)
 {
     HDC dc = NewDeviceContext(DeviceKind::surface);
-    if (dc)
+    if (dc) {
         dc->surface = surface;
+    }
     return dc;
 }
 
 void SetSurfaceOfDC(HDC dc, Surface* surface)
 {
-    if (dc && dc->kind == DeviceKind::surface)
+    if (dc && dc->kind == DeviceKind::surface) {
         dc->surface = surface;
+    }
 }
 
 void DeleteSurfaceDC(HDC dc)
 {
-    if (dc && dc->kind != DeviceKind::memory)
+    if (dc && dc->kind != DeviceKind::memory) {
         FreeDeviceContext(dc);
+    }
 }
 
 HDC CreateScreenDC(ScreenLine line)
 {
     HDC dc = NewDeviceContext(DeviceKind::screen);
-    if (dc)
+    if (dc) {
         dc->screenLine = line;
+    }
     return dc;
 }
 
@@ -100,20 +107,24 @@ static void AddDisjoint(std::vector<RECT>* list, RECT rect)
 
 void SetClipOfDC(HDC dc, const RECT* rects, int count)
 {
-    if (!dc)
+    if (!dc) {
         return;
+    }
     std::vector<RECT> clip;
-    for (int index = 0; rects && index < count; ++index)
-        if (HasArea(rects[index]))
+    for (int index = 0; rects && index < count; ++index) {
+        if (HasArea(rects[index])) {
             AddDisjoint(&clip, rects[index]);
+        }
+    }
     dc->clip = clip;
     dc->clipped = true;
 }
 
 void ClearClipOfDC(HDC dc)
 {
-    if (!dc)
+    if (!dc) {
         return;
+    }
     dc->clip.clear();
     dc->clipped = false;
 }
@@ -122,10 +133,12 @@ void ClearClipOfDC(HDC dc)
 static bool MakeNative(HBITMAP bitmap)
 {
     HBITMAP native = NewNativeBitmap(bitmap->rows.width, bitmap->rows.height);
-    if (!native)
+    if (!native) {
         return false;
-    for (int y = 0; y < bitmap->rows.height; ++y)
+    }
+    for (int y = 0; y < bitmap->rows.height; ++y) {
         ConvertRow(PixelAddress(&native->surface, 0, y), bitmap->rows, 0, y, bitmap->rows.width);
+    }
     std::swap(bitmap->block, native->block);
     bitmap->rows = native->rows;
     bitmap->surface = native->surface;
@@ -137,10 +150,12 @@ Surface* DrawingSurface(HDC dc)
 {
     Surface* surface = dc->surface;
     if (dc->kind == DeviceKind::memory) {
-        if (!dc->bitmap->rows.topRow)
+        if (!dc->bitmap->rows.topRow) {
             return nullptr;
-        if (!dc->bitmap->surface.pixels && !MakeNative(dc->bitmap))
+        }
+        if (!dc->bitmap->surface.pixels && !MakeNative(dc->bitmap)) {
             return nullptr;
+        }
         surface = &dc->bitmap->surface;
     }
     return surface && surface->pixels ? surface : nullptr;
@@ -152,8 +167,9 @@ bool SourceRows(HDC dc, PixelRows* rows)
         *rows = dc->bitmap->rows;
     } else {
         const Surface* surface = dc->surface;
-        if (!surface)
+        if (!surface) {
             return false;
+        }
         *rows = {reinterpret_cast<const uint8_t*>(surface->pixels),
                  static_cast<ptrdiff_t>(surface->stride) * 4,
                  surface->width,
@@ -178,10 +194,12 @@ static LONG Negative(LONG value)
 
 BOOL WINAPI SetWindowOrgEx(HDC dc, int x, int y, LPPOINT previous)
 {
-    if (!dc)
+    if (!dc) {
         return FALSE;
-    if (previous)
+    }
+    if (previous) {
         *previous = dc->origin;
+    }
     dc->origin = {x, y};
     return TRUE;
 }
@@ -193,18 +211,21 @@ BOOL WINAPI OffsetWindowOrgEx(HDC dc, int dx, int dy, LPPOINT previous)
 
 BOOL WINAPI GetWindowOrgEx(HDC dc, LPPOINT origin)
 {
-    if (!dc || !origin)
+    if (!dc || !origin) {
         return FALSE;
+    }
     *origin = dc->origin;
     return TRUE;
 }
 
 static BOOL MovePoints(HDC dc, LPPOINT points, int count, LONG dx, LONG dy)
 {
-    if (!dc || !points || count < 0)
+    if (!dc || !points || count < 0) {
         return FALSE;
-    for (int index = 0; index < count; ++index)
+    }
+    for (int index = 0; index < count; ++index) {
         points[index] = {Sum(points[index].x, dx), Sum(points[index].y, dy)};
+    }
     return TRUE;
 }
 
@@ -222,8 +243,9 @@ BOOL WINAPI DPtoLP(HDC dc, LPPOINT points, int count)
 
 int WINAPI SetROP2(HDC dc, int mode)
 {
-    if (!dc || (mode != R2_BLACK && mode != R2_NOT && mode != R2_COPYPEN))
+    if (!dc || (mode != R2_BLACK && mode != R2_NOT && mode != R2_COPYPEN)) {
         return 0;
+    }
     return std::exchange(dc->rasterMode, mode);
 }
 
@@ -254,8 +276,9 @@ COLORREF WINAPI GetBkColor(HDC dc)
 
 int WINAPI SetBkMode(HDC dc, int mode)
 {
-    if (!dc || (mode != TRANSPARENT && mode != OPAQUE))
+    if (!dc || (mode != TRANSPARENT && mode != OPAQUE)) {
         return 0;
+    }
     return std::exchange(dc->backMode, mode);
 }
 

@@ -11,8 +11,9 @@ size_t DibRowBytes(const DibLayout& layout)
 void ReadColourTable(DibLayout* layout, const uint8_t* table, int count, int entryBytes)
 {
     std::fill(std::begin(layout->colours), std::end(layout->colours), 0);
-    for (int index = 0; index < count; ++index, table += entryBytes)
+    for (int index = 0; index < count; ++index, table += entryBytes) {
         layout->colours[index] = PixelOf(RGB(table[2], table[1], table[0]));
+    }
 }
 
 // The file's rows as they lie in memory.
@@ -38,8 +39,9 @@ static void TakeColours(HBITMAP bitmap, const DibLayout& layout)
 static HBITMAP KeepRows(const DibLayout& layout, const uint8_t* pixels, PixelBlock* block)
 {
     HBITMAP bitmap = NewBitmapRecord();
-    if (!bitmap)
+    if (!bitmap) {
         return nullptr;
+    }
     if (block) {
         std::swap(bitmap->block, *block);
     } else {
@@ -60,8 +62,9 @@ static HBITMAP KeepRows(const DibLayout& layout, const uint8_t* pixels, PixelBlo
 static HBITMAP NewIndexBitmap(const DibLayout& layout)
 {
     HBITMAP bitmap = NewBitmapRecord();
-    if (!bitmap)
+    if (!bitmap) {
         return nullptr;
+    }
     if (!AllocateBlock(&bitmap->block, static_cast<size_t>(layout.width) * static_cast<size_t>(layout.height))) {
         FreeBitmap(bitmap);
         return nullptr;
@@ -76,8 +79,9 @@ static HBITMAP NewIndexBitmap(const DibLayout& layout)
 static HBITMAP ExpandIndices(const DibLayout& layout, const uint8_t* pixels)
 {
     HBITMAP bitmap = NewIndexBitmap(layout);
-    if (!bitmap)
+    if (!bitmap) {
         return nullptr;
+    }
     PixelRows source = RowsInPlace(layout, pixels);
     const int perByte = 8 / layout.bits;
     const int mask = (1 << layout.bits) - 1;
@@ -103,16 +107,18 @@ struct Channel {
 static Channel MakeChannel(uint32_t mask)
 {
     Channel channel = {mask, 0, {}};
-    if (mask == 0)
+    if (mask == 0) {
         return channel;
+    }
     int width = 32 - std::countl_zero(mask) - std::countr_zero(mask);
     channel.shift = std::countr_zero(mask) + std::max(0, width - 8);
     width = std::min(width, 8);
     for (int value = 0; value < 1 << width; ++value) {
         int widened = value << (8 - width);
         int result = 0;
-        for (int shift = 0; shift < 8; shift += width)
+        for (int shift = 0; shift < 8; shift += width) {
             result |= widened >> shift;
+        }
         channel.values[value] = static_cast<uint8_t>(result);
     }
     return channel;
@@ -126,8 +132,9 @@ static uint32_t ChannelValue(const Channel& channel, uint32_t word)
 static HBITMAP ExpandWords(const DibLayout& layout, const uint8_t* pixels)
 {
     HBITMAP bitmap = NewNativeBitmap(layout.width, layout.height);
-    if (!bitmap)
+    if (!bitmap) {
         return nullptr;
+    }
     const Channel red = MakeChannel(layout.masks[0]);
     const Channel green = MakeChannel(layout.masks[1]);
     const Channel blue = MakeChannel(layout.masks[2]);
@@ -137,8 +144,9 @@ static HBITMAP ExpandWords(const DibLayout& layout, const uint8_t* pixels)
         uint32_t* to = PixelAddress(&bitmap->surface, 0, y);
         for (int x = 0; x < layout.width; ++x, from += layout.bits / 8) {
             uint32_t word = static_cast<uint32_t>(from[0]) | static_cast<uint32_t>(from[1]) << 8;
-            if (layout.bits == 32)
+            if (layout.bits == 32) {
                 word |= static_cast<uint32_t>(from[2]) << 16 | static_cast<uint32_t>(from[3]) << 24;
+            }
             to[x] = ChannelValue(red, word) << 16 | ChannelValue(green, word) << 8 | ChannelValue(blue, word);
         }
     }
@@ -149,13 +157,16 @@ HBITMAP BitmapFromDib(const DibLayout& layout, const uint8_t* pixels, size_t siz
 {
     if (layout.runLengths) {
         HBITMAP bitmap = NewIndexBitmap(layout);
-        if (bitmap)
+        if (bitmap) {
             UnpackRunLengths(layout, pixels, size, bitmap->block.bytes);
+        }
         return bitmap;
     }
-    if (layout.bits < 8)
+    if (layout.bits < 8) {
         return ExpandIndices(layout, pixels);
-    if (layout.bits == 16 || layout.bits == 32)
+    }
+    if (layout.bits == 16 || layout.bits == 32) {
         return ExpandWords(layout, pixels);
+    }
     return KeepRows(layout, pixels, block);
 }

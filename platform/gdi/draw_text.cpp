@@ -18,17 +18,21 @@ static TextLine NextLine(const std::vector<TextGlyph>& glyphs, size_t start, boo
     size_t index = start;
     for (; index < glyphs.size(); ++index) {
         const TextGlyph& glyph = glyphs[index];
-        if (glyph.character == '\n')
+        if (glyph.character == '\n') {
             return {start, index, index + 1, width};
+        }
         if (glyph.character == ' ') {
-            if (inWord)
+            if (inWord) {
                 broken = {start, index, index, width};
-            if (broken.end > start)
+            }
+            if (broken.end > start) {
                 broken.next = index + 1;
+            }
             inWord = false;
         } else {
-            if (wraps && index > start && width + glyph.glyph->advance > room)
+            if (wraps && index > start && width + glyph.glyph->advance > room) {
                 return broken.end > start ? broken : TextLine{start, index, index, width};
+            }
             inWord = true;
         }
         width += glyph.glyph->advance;
@@ -38,8 +42,9 @@ static TextLine NextLine(const std::vector<TextGlyph>& glyphs, size_t start, boo
 
 int WINAPI DrawTextA(HDC dc, LPCSTR text, int length, LPRECT rect, UINT format)
 {
-    if (!dc || !text || length < -1 || !rect || !dc->font->strike)
+    if (!dc || !text || length < -1 || !rect || !dc->font->strike) {
         return 0;
+    }
     FontStrike* strike = dc->font->strike;
     const size_t size = length < 0 ? strlen(text) : static_cast<size_t>(length);
     const std::vector<TextGlyph> glyphs = ReadText(strike, text, size, {true, (format & DT_NOPREFIX) == 0});
@@ -58,10 +63,11 @@ int WINAPI DrawTextA(HDC dc, LPCSTR text, int length, LPRECT rect, UINT format)
         widest = std::max(widest, line.width);
         if (!measures) {
             int x = area.left;
-            if (format & DT_CENTER)
+            if (format & DT_CENTER) {
                 x += (room - line.width) / 2;
-            else if (format & DT_RIGHT)
+            } else if (format & DT_RIGHT) {
                 x += room - line.width;
+            }
             DrawGlyphs(dc, x, area.top + lines * lineHeight, glyphs.data() + line.start, line.end - line.start,
                        limit);
         }
@@ -69,8 +75,9 @@ int WINAPI DrawTextA(HDC dc, LPCSTR text, int length, LPRECT rect, UINT format)
     }
     if (measures) {
         rect->bottom = rect->top + lines * lineHeight;
-        if (lines <= 1)
+        if (lines <= 1) {
             rect->right = rect->left + widest;
+        }
     }
     return lines * lineHeight;
 }

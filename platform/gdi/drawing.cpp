@@ -6,8 +6,9 @@ void FillDeviceRect(HDC dc, Surface* surface, const RECT& area, uint32_t pixel)
 {
     ForEachVisiblePart(dc, surface, area, [=](const RECT& part) {
         uint32_t* row = PixelAddress(surface, part.left, part.top);
-        for (LONG y = part.top; y < part.bottom; y++, row += surface->stride)
+        for (LONG y = part.top; y < part.bottom; y++, row += surface->stride) {
             FillPixels(row, part.right - part.left, pixel);
+        }
     });
 }
 
@@ -15,9 +16,11 @@ static void InvertDeviceRect(HDC dc, Surface* surface, const RECT& area)
 {
     ForEachVisiblePart(dc, surface, area, [=](const RECT& part) {
         uint32_t* row = PixelAddress(surface, part.left, part.top);
-        for (int y = part.top; y < part.bottom; ++y, row += surface->stride)
-            for (uint32_t* pixel = row; pixel < row + (part.right - part.left); ++pixel)
+        for (int y = part.top; y < part.bottom; ++y, row += surface->stride) {
+            for (uint32_t* pixel = row; pixel < row + (part.right - part.left); ++pixel) {
                 *pixel ^= 0xFFFFFF;
+            }
+        }
     });
 }
 
@@ -25,10 +28,12 @@ static void InvertDeviceRect(HDC dc, Surface* surface, const RECT& area)
 
 int WINAPI FillRect(HDC dc, const RECT* rect, HBRUSH brush)
 {
-    if (!dc || !rect || !IsObject(brush, ObjectType::brush))
+    if (!dc || !rect || !IsObject(brush, ObjectType::brush)) {
         return 0;
-    if (Surface* surface = DrawingSurface(dc); surface && !brush->hollow)
+    }
+    if (Surface* surface = DrawingSurface(dc); surface && !brush->hollow) {
         FillDeviceRect(dc, surface, DeviceRect(dc, *rect), brush->pixel);
+    }
     return 1;
 }
 
@@ -36,8 +41,9 @@ int WINAPI FillRect(HDC dc, const RECT* rect, HBRUSH brush)
 static bool IsWhollyVisible(HDC dc, Surface* surface, const RECT& area)
 {
     const RECT whole = {0, 0, surface->width, surface->height};
-    if (dc->clipped && dc->clip.size() != 1)
+    if (dc->clipped && dc->clip.size() != 1) {
         return false;
+    }
     const RECT visible = dc->clipped ? Overlap(whole, dc->clip.front()) : whole;
     return area.left >= visible.left && area.top >= visible.top && area.right <= visible.right &&
            area.bottom <= visible.bottom;
@@ -59,11 +65,13 @@ static void FrameDeviceRect(Surface* surface, const RECT& area, uint32_t pixel)
 
 int WINAPI FrameRect(HDC dc, const RECT* rect, HBRUSH brush)
 {
-    if (!dc || !rect || !IsObject(brush, ObjectType::brush))
+    if (!dc || !rect || !IsObject(brush, ObjectType::brush)) {
         return 0;
+    }
     Surface* surface = DrawingSurface(dc);
-    if (!surface || brush->hollow || !HasArea(*rect))
+    if (!surface || brush->hollow || !HasArea(*rect)) {
         return 1;
+    }
     RECT area = DeviceRect(dc, *rect);
     if (IsWhollyVisible(dc, surface, area)) {
         FrameDeviceRect(surface, area, brush->pixel);
@@ -79,8 +87,9 @@ int WINAPI FrameRect(HDC dc, const RECT* rect, HBRUSH brush)
 COLORREF WINAPI SetPixel(HDC dc, int x, int y, COLORREF colour)
 {
     Surface* surface = dc ? DrawingSurface(dc) : nullptr;
-    if (!surface)
+    if (!surface) {
         return CLR_INVALID;
+    }
     COLORREF result = CLR_INVALID;
     int h = DeviceX(dc, x);
     int v = DeviceY(dc, y);
@@ -94,12 +103,14 @@ COLORREF WINAPI SetPixel(HDC dc, int x, int y, COLORREF colour)
 COLORREF WINAPI GetPixel(HDC dc, int x, int y)
 {
     PixelRows rows;
-    if (!dc || !SourceRows(dc, &rows))
+    if (!dc || !SourceRows(dc, &rows)) {
         return CLR_INVALID;
+    }
     int h = DeviceX(dc, x);
     int v = DeviceY(dc, y);
-    if (h < 0 || h >= rows.width || v < 0 || v >= rows.height)
+    if (h < 0 || h >= rows.width || v < 0 || v >= rows.height) {
         return CLR_INVALID;
+    }
     uint32_t pixel;
     ConvertRow(&pixel, rows, h, v, 1);
     return ColourOf(pixel);
@@ -119,10 +130,11 @@ struct Stroke {
 
 static void StrokeRect(const Stroke& stroke, const RECT& area)
 {
-    if (stroke.inverts)
+    if (stroke.inverts) {
         InvertDeviceRect(stroke.dc, stroke.surface, area);
-    else
+    } else {
         FillDeviceRect(stroke.dc, stroke.surface, area, stroke.pixel);
+    }
 }
 
 static void StrokeStraight(const Stroke& stroke, POINT from, POINT to)
@@ -186,31 +198,37 @@ static void StrokeSlanted(const Stroke& stroke, POINT from, POINT to)
 
 BOOL WINAPI MoveToEx(HDC dc, int x, int y, LPPOINT previous)
 {
-    if (!dc)
+    if (!dc) {
         return FALSE;
-    if (previous)
+    }
+    if (previous) {
         *previous = dc->position;
+    }
     dc->position = {x, y};
     return TRUE;
 }
 
 BOOL WINAPI LineTo(HDC dc, int x, int y)
 {
-    if (!dc)
+    if (!dc) {
         return FALSE;
+    }
     POINT from = {DeviceX(dc, dc->position.x), DeviceY(dc, dc->position.y)};
     POINT to = {DeviceX(dc, x), DeviceY(dc, y)};
     dc->position = {x, y};
-    if (from.x == to.x && from.y == to.y)
+    if (from.x == to.x && from.y == to.y) {
         return TRUE;
+    }
     if (dc->kind == DeviceKind::screen) {
-        if (dc->rasterMode == R2_NOT && dc->screenLine)
+        if (dc->rasterMode == R2_NOT && dc->screenLine) {
             dc->screenLine(from.x, from.y, to.x, to.y);
+        }
         return TRUE;
     }
     Surface* surface = DrawingSurface(dc);
-    if (!surface)
+    if (!surface) {
         return TRUE;
+    }
     int width = dc->pen->width;
     Stroke stroke = {dc,
                      surface,
@@ -218,9 +236,10 @@ BOOL WINAPI LineTo(HDC dc, int x, int y)
                      (width - 1) / 2,
                      dc->rasterMode == R2_NOT,
                      dc->rasterMode == R2_BLACK ? 0 : dc->pen->pixel};
-    if (from.x == to.x || from.y == to.y)
+    if (from.x == to.x || from.y == to.y) {
         StrokeStraight(stroke, from, to);
-    else
+    } else {
         StrokeSlanted(stroke, from, to);
+    }
     return TRUE;
 }

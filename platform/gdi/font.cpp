@@ -64,11 +64,13 @@ static FT_Face FaceOf(int fontFile)
     }
     FT_Face& face = fonts.faces[fontFile];
     for (const char* folder : fontFolders) {
-        if (face)
+        if (face) {
             break;
+        }
         std::string path = std::string(folder) + fontFileNames[fontFile];
-        if (FT_New_Face(fonts.library, path.c_str(), 0, &face) != 0)
+        if (FT_New_Face(fonts.library, path.c_str(), 0, &face) != 0) {
             face = nullptr;
+        }
     }
     return face;
 }
@@ -78,15 +80,17 @@ static FT_Face FaceOf(int fontFile)
 static Glyph RenderGlyph(FT_Face face, uint32_t character)
 {
     Glyph glyph = {};
-    if (FT_Load_Char(face, character, FT_LOAD_RENDER | FT_LOAD_TARGET_NORMAL) != 0)
+    if (FT_Load_Char(face, character, FT_LOAD_RENDER | FT_LOAD_TARGET_NORMAL) != 0) {
         return glyph;
+    }
     const FT_GlyphSlot slot = face->glyph;
     const FT_Bitmap& image = slot->bitmap;
     glyph.advance = static_cast<int>((slot->advance.x + 32) >> 6);
     glyph.left = slot->bitmap_left;
     glyph.top = slot->bitmap_top;
-    if (image.pixel_mode != FT_PIXEL_MODE_GRAY)
+    if (image.pixel_mode != FT_PIXEL_MODE_GRAY) {
         return glyph;
+    }
     glyph.width = static_cast<int>(image.width);
     glyph.height = static_cast<int>(image.rows);
     glyph.coverage.reserve(static_cast<size_t>(image.width) * image.rows);
@@ -99,16 +103,18 @@ static Glyph RenderGlyph(FT_Face face, uint32_t character)
 
 const Glyph* GlyphOf(FontStrike* strike, uint32_t character)
 {
-    if (character < 128 && strike->ascii[character])
+    if (character < 128 && strike->ascii[character]) {
         return strike->ascii[character];
+    }
     auto found = strike->glyphs.find(character);
     if (found == strike->glyphs.end()) {
         FT_Face face = FaceOf(strike->fontFile);
         FT_Set_Pixel_Sizes(face, 0, static_cast<FT_UInt>(strike->pixelSize));
         found = strike->glyphs.emplace(character, RenderGlyph(face, character)).first;
     }
-    if (character < 128)
+    if (character < 128) {
         strike->ascii[character] = &found->second;
+    }
     return &found->second;
 }
 
@@ -136,10 +142,11 @@ static void ReadMetrics(FT_Face face, FontStrike* strike)
 static void DropOldStrikes()
 {
     for (size_t index = 0; fonts.strikes.size() > keptStrikes && index < fonts.strikes.size();) {
-        if (fonts.strikes[index]->users == 0)
+        if (fonts.strikes[index]->users == 0) {
             fonts.strikes.erase(fonts.strikes.begin() + static_cast<ptrdiff_t>(index));
-        else
+        } else {
             ++index;
+        }
     }
 }
 
@@ -151,8 +158,9 @@ static FontStrike* TakeStrike(int fontFile, int pixelSize)
         std::rotate(found, found + 1, fonts.strikes.end());
     } else {
         FT_Face face = FaceOf(fontFile);
-        if (!face)
+        if (!face) {
             return nullptr;
+        }
         auto strike = std::make_unique<FontStrike>();
         strike->fontFile = fontFile;
         strike->pixelSize = pixelSize;
@@ -176,32 +184,39 @@ static int PixelSizeOf(FT_Face face, LONG height)
     for (; height > 0 && size > 1; --size) {
         FT_Set_Pixel_Sizes(face, 0, static_cast<FT_UInt>(size));
         const FT_Size_Metrics& metrics = face->size->metrics;
-        if (RoundedUp(metrics.ascender) + RoundedUp(-metrics.descender) <= height)
+        if (RoundedUp(metrics.ascender) + RoundedUp(-metrics.descender) <= height) {
             break;
+        }
     }
     return static_cast<int>(size);
 }
 
 HFONT WINAPI CreateFontIndirectA(const LOGFONTA* record)
 {
-    if (!record)
+    if (!record) {
         return nullptr;
+    }
     FaceName chosen = faceNames[0];
-    for (const FaceName& face : faceNames)
-        if (strncasecmp(record->lfFaceName, face.name, LF_FACESIZE) == 0)
+    for (const FaceName& face : faceNames) {
+        if (strncasecmp(record->lfFaceName, face.name, LF_FACESIZE) == 0) {
             chosen = face;
+        }
+    }
     const bool bold = chosen.bold || record->lfWeight >= 600;
     const int fontFile = chosen.family * 4 + (bold ? 2 : 0) + (record->lfItalic ? 1 : 0);
     FT_Face face = FaceOf(fontFile);
-    if (!face)
+    if (!face) {
         return nullptr;
+    }
     FontStrike* strike = TakeStrike(fontFile, PixelSizeOf(face, record->lfHeight));
-    if (!strike)
+    if (!strike) {
         return nullptr;
+    }
     HFONT font = new (std::nothrow)
         HFONT__{{ObjectType::font, 0, false}, strike, bold ? FW_BOLD : FW_NORMAL, record->lfUnderline != 0};
-    if (!font)
+    if (!font) {
         --strike->users;
+    }
     return font;
 }
 

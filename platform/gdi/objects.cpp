@@ -49,8 +49,9 @@ bool IsObject(const void* object, ObjectType type)
 
 void CountSelection(ObjectHeader* header, int change)
 {
-    if (!header->stock)
+    if (!header->stock) {
         header->selections += change;
+    }
 }
 
 template <typename Object>
@@ -65,18 +66,21 @@ static HGDIOBJ Exchange(Object** slot, Object* object)
 
 static HGDIOBJ SelectBitmap(HDC dc, HBITMAP bitmap)
 {
-    if (dc->kind != DeviceKind::memory)
+    if (dc->kind != DeviceKind::memory) {
         return nullptr;
+    }
     // A bitmap is in one device context at a time.
-    if (bitmap->header.selections > 0 && bitmap != dc->bitmap)
+    if (bitmap->header.selections > 0 && bitmap != dc->bitmap) {
         return nullptr;
+    }
     return Exchange(&dc->bitmap, bitmap);
 }
 
 HGDIOBJ WINAPI SelectObject(HDC dc, HGDIOBJ object)
 {
-    if (!dc || !object)
+    if (!dc || !object) {
         return nullptr;
+    }
     switch (HeaderOf(object)->type) {
     case ObjectType::pen:
         return Exchange(&dc->pen, static_cast<HPEN>(object));
@@ -93,8 +97,9 @@ HGDIOBJ WINAPI SelectObject(HDC dc, HGDIOBJ object)
 
 HGDIOBJ WINAPI GetCurrentObject(HDC dc, UINT type)
 {
-    if (!dc)
+    if (!dc) {
         return nullptr;
+    }
     switch (type) {
     case OBJ_PEN:
         return dc->pen;
@@ -113,8 +118,9 @@ HGDIOBJ WINAPI GetCurrentObject(HDC dc, UINT type)
 
 BOOL WINAPI DeleteObject(HGDIOBJ object)
 {
-    if (!object || HeaderOf(object)->stock || HeaderOf(object)->selections > 0)
+    if (!object || HeaderOf(object)->stock || HeaderOf(object)->selections > 0) {
         return FALSE;
+    }
     switch (HeaderOf(object)->type) {
     case ObjectType::pen:
         delete static_cast<HPEN>(object);
@@ -140,8 +146,9 @@ BOOL WINAPI DeleteObject(HGDIOBJ object)
 
 HPEN WINAPI CreatePen(int style, int width, COLORREF colour)
 {
-    if (style != PS_SOLID)
+    if (style != PS_SOLID) {
         return nullptr;
+    }
     return new (std::nothrow) HPEN__{{ObjectType::pen, 0, false}, std::clamp(width, 1, 1024), PixelOf(colour)};
 }
 
@@ -154,18 +161,21 @@ HBRUSH WINAPI CreateSolidBrush(COLORREF colour)
 
 HPALETTE WINAPI CreatePalette(const LOGPALETTE* palette)
 {
-    if (!palette || palette->palNumEntries == 0)
+    if (!palette || palette->palNumEntries == 0) {
         return nullptr;
+    }
     HPALETTE made = new (std::nothrow) HPALETTE__{{ObjectType::palette, 0, false}, {}};
-    if (made)
+    if (made) {
         made->entries.assign(palette->palPalEntry, palette->palPalEntry + palette->palNumEntries);
+    }
     return made;
 }
 
 HPALETTE WINAPI SelectPalette(HDC dc, HPALETTE palette, BOOL)
 {
-    if (!dc || !IsObject(palette, ObjectType::palette))
+    if (!dc || !IsObject(palette, ObjectType::palette)) {
         return nullptr;
+    }
     return static_cast<HPALETTE>(Exchange(&dc->palette, palette));
 }
 
@@ -177,13 +187,16 @@ UINT WINAPI RealizePalette(HDC dc)
 
 UINT WINAPI GetPaletteEntries(HPALETTE palette, UINT start, UINT count, PALETTEENTRY* entries)
 {
-    if (!IsObject(palette, ObjectType::palette))
+    if (!IsObject(palette, ObjectType::palette)) {
         return 0;
+    }
     UINT size = static_cast<UINT>(palette->entries.size());
-    if (!entries)
+    if (!entries) {
         return size;
-    if (start >= size)
+    }
+    if (start >= size) {
         return 0;
+    }
     count = std::min(count, size - start);
     std::copy_n(palette->entries.begin() + start, count, entries);
     return count;
@@ -195,26 +208,31 @@ HRGN WINAPI CreateRectRgn(int left, int top, int right, int bottom)
 {
     HRGN region = new (std::nothrow) HRGN__{{ObjectType::region, 0, false}, {}};
     RECT rect = {std::min(left, right), std::min(top, bottom), std::max(left, right), std::max(top, bottom)};
-    if (region && HasArea(rect))
+    if (region && HasArea(rect)) {
         region->rects.push_back(rect);
+    }
     return region;
 }
 
 int WINAPI CombineRgn(HRGN destination, HRGN first, HRGN, int mode)
 {
-    if (!IsObject(destination, ObjectType::region) || !IsObject(first, ObjectType::region) || mode != RGN_COPY)
+    if (!IsObject(destination, ObjectType::region) || !IsObject(first, ObjectType::region) || mode != RGN_COPY) {
         return 0;
-    if (destination != first)
+    }
+    if (destination != first) {
         destination->rects = first->rects;
-    if (destination->rects.empty())
+    }
+    if (destination->rects.empty()) {
         return NULLREGION;
+    }
     return destination->rects.size() == 1 ? SIMPLEREGION : COMPLEXREGION;
 }
 
 BOOL WINAPI PtInRegion(HRGN region, int x, int y)
 {
-    if (!IsObject(region, ObjectType::region))
+    if (!IsObject(region, ObjectType::region)) {
         return FALSE;
+    }
     return std::any_of(region->rects.begin(), region->rects.end(), [x, y](const RECT& rect) {
         return x >= rect.left && x < rect.right && y >= rect.top && y < rect.bottom;
     });

@@ -189,8 +189,9 @@ template <typename Draw>
 void ForEachVisiblePart(HDC dc, Surface* surface, const RECT& area, Draw draw)
 {
     RECT inside = Overlap(area, {0, 0, surface->width, surface->height});
-    if (!HasArea(inside))
+    if (!HasArea(inside)) {
         return;
+    }
     if (!dc->clipped) {
         GrowDirty(surface, inside);
         draw(inside);
@@ -217,13 +218,15 @@ inline void FillPixels(uint32_t* pixels, LONG count, uint32_t pixel)
     constexpr LONG blockSize = 4;
     const uint32_t block[blockSize] = {pixel, pixel, pixel, pixel};
     if (count < blockSize) {
-        for (LONG i = 0; i < count; i++)
+        for (LONG i = 0; i < count; i++) {
             pixels[i] = pixel;
+        }
         return;
     }
     const LONG lastBlock = count - blockSize;
-    for (LONG i = 0; i < lastBlock; i += blockSize)
+    for (LONG i = 0; i < lastBlock; i += blockSize) {
         memcpy(pixels + i, block, sizeof block);
+    }
     memcpy(pixels + lastBlock, block, sizeof block);
 }
 

@@ -15,8 +15,9 @@ static LONG Difference(LONG first, LONG second)
 
 BOOL WINAPI SetRect(LPRECT rect, int left, int top, int right, int bottom)
 {
-    if (!rect)
+    if (!rect) {
         return FALSE;
+    }
     *rect = {left, top, right, bottom};
     return TRUE;
 }
@@ -28,24 +29,27 @@ BOOL WINAPI SetRectEmpty(LPRECT rect)
 
 BOOL WINAPI OffsetRect(LPRECT rect, int dx, int dy)
 {
-    if (!rect)
+    if (!rect) {
         return FALSE;
+    }
     *rect = {Sum(rect->left, dx), Sum(rect->top, dy), Sum(rect->right, dx), Sum(rect->bottom, dy)};
     return TRUE;
 }
 
 BOOL WINAPI InflateRect(LPRECT rect, int dx, int dy)
 {
-    if (!rect)
+    if (!rect) {
         return FALSE;
+    }
     *rect = {Difference(rect->left, dx), Difference(rect->top, dy), Sum(rect->right, dx), Sum(rect->bottom, dy)};
     return TRUE;
 }
 
 BOOL WINAPI IntersectRect(LPRECT result, const RECT* first, const RECT* second)
 {
-    if (!result || !first || !second)
+    if (!result || !first || !second) {
         return FALSE;
+    }
     RECT common = {std::max(first->left, second->left), std::max(first->top, second->top),
                    std::min(first->right, second->right), std::min(first->bottom, second->bottom)};
     if (IsRectEmpty(first) || IsRectEmpty(second) || IsRectEmpty(&common)) {
@@ -58,19 +62,21 @@ BOOL WINAPI IntersectRect(LPRECT result, const RECT* first, const RECT* second)
 
 BOOL WINAPI UnionRect(LPRECT result, const RECT* first, const RECT* second)
 {
-    if (!result || !first || !second)
+    if (!result || !first || !second) {
         return FALSE;
+    }
     if (IsRectEmpty(first) && IsRectEmpty(second)) {
         SetRectEmpty(result);
         return FALSE;
     }
-    if (IsRectEmpty(first))
+    if (IsRectEmpty(first)) {
         *result = *second;
-    else if (IsRectEmpty(second))
+    } else if (IsRectEmpty(second)) {
         *result = *first;
-    else
+    } else {
         *result = {std::min(first->left, second->left), std::min(first->top, second->top),
                    std::max(first->right, second->right), std::max(first->bottom, second->bottom)};
+    }
     return TRUE;
 }
 

@@ -11,8 +11,9 @@ struct Cursor {
 static void PutPixel(Cursor* cursor, uint8_t index)
 {
     int64_t x = cursor->x++;
-    if (x < cursor->layout->width && cursor->y < cursor->layout->height)
+    if (x < cursor->layout->width && cursor->y < cursor->layout->height) {
         cursor->indices[cursor->y * cursor->layout->width + x] = index;
+    }
 }
 
 void UnpackRunLengths(const DibLayout& layout, const uint8_t* stream, size_t size, uint8_t* indices)
@@ -26,16 +27,18 @@ void UnpackRunLengths(const DibLayout& layout, const uint8_t* stream, size_t siz
         const uint8_t value = stream[1];
         stream += 2;
         if (count > 0) {
-            for (int index = 0; index < count; ++index)
+            for (int index = 0; index < count; ++index) {
                 PutPixel(&cursor, !nibbles ? value : index % 2 == 0 ? value >> 4 : value & 15);
+            }
         } else if (value == 0) { // end of the row
             cursor.x = 0;
             ++cursor.y;
         } else if (value == 1) { // end of the picture
             return;
         } else if (value == 2) { // move right and up
-            if (end - stream < 2)
+            if (end - stream < 2) {
                 return;
+            }
             cursor.x += stream[0];
             cursor.y += stream[1];
             stream += 2;
@@ -44,8 +47,9 @@ void UnpackRunLengths(const DibLayout& layout, const uint8_t* stream, size_t siz
             const ptrdiff_t bytes = nibbles ? (value + 1) / 2 : value;
             for (int index = 0; index < value; ++index) {
                 const ptrdiff_t position = nibbles ? index / 2 : index;
-                if (position >= available)
+                if (position >= available) {
                     return;
+                }
                 const uint8_t byte = stream[position];
                 PutPixel(&cursor, !nibbles ? byte : index % 2 == 0 ? byte >> 4 : byte & 15);
             }

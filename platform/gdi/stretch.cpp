@@ -62,26 +62,31 @@ static void EndStreaming()
 
 static void StretchLine(std::vector<uint32_t>* line, const uint32_t* row, const std::vector<LONG>& columns)
 {
-    for (size_t i = 0; i + 1 < columns.size(); i++)
+    for (size_t i = 0; i + 1 < columns.size(); i++) {
         FillPixels(line->data() + columns[i], columns[i + 1] - columns[i], row[i]);
+    }
 }
 
 int WINAPI StretchDIBits(HDC dc, int x, int y, int width, int height, int sourceX, int sourceY, int sourceWidth,
                          int sourceHeight, const void* bits, const BITMAPINFO* info, UINT usage, DWORD operation)
 {
     constexpr int largest = 1 << 16;
-    if (!dc || !bits || !info || usage != DIB_RGB_COLORS || operation != SRCCOPY)
+    if (!dc || !bits || !info || usage != DIB_RGB_COLORS || operation != SRCCOPY) {
         return 0;
+    }
     const BITMAPINFOHEADER& header = info->bmiHeader;
     if (header.biBitCount != 32 || header.biCompression != BI_RGB || sourceX != 0 || sourceY != 0 ||
-        sourceWidth != header.biWidth || sourceHeight != std::abs(int64_t{header.biHeight}))
+        sourceWidth != header.biWidth || sourceHeight != std::abs(int64_t{header.biHeight})) {
         return 0;
+    }
     if (sourceWidth <= 0 || sourceHeight <= 0 || width <= 0 || height <= 0 || width > largest || height > largest ||
-        std::abs(int64_t{x}) > largest || std::abs(int64_t{y}) > largest)
+        std::abs(int64_t{x}) > largest || std::abs(int64_t{y}) > largest) {
         return 0;
+    }
     Surface* surface = DrawingSurface(dc);
-    if (!surface)
+    if (!surface) {
         return sourceHeight;
+    }
 
     const RECT area = DeviceRect(dc, {x, y, x + width, y + height});
     const std::vector<LONG> lines = Boundaries(area.top, sourceHeight, height);
@@ -95,22 +100,25 @@ int WINAPI StretchDIBits(HDC dc, int x, int y, int width, int height, int source
     for (int i = 0; i < sourceHeight; i++) {
         const int storedRow = header.biHeight < 0 ? i : sourceHeight - 1 - i;
         const uint32_t* row = static_cast<const uint32_t*>(bits) + static_cast<ptrdiff_t>(storedRow) * sourceWidth;
-        if (width != sourceWidth)
+        if (width != sourceWidth) {
             StretchLine(&stretched, row, columns);
+        }
         const uint32_t* line = width != sourceWidth ? stretched.data() : row;
         const RECT band = {area.left, lines[static_cast<size_t>(i)], area.right, lines[static_cast<size_t>(i) + 1]};
         ForEachVisiblePart(dc, surface, band, [&](const RECT& part) {
             const uint32_t* from = line + (part.left - area.left);
             const LONG count = part.right - part.left;
             for (LONG below = part.top; below < part.bottom; below++) {
-                if (streamed)
+                if (streamed) {
                     StreamPixels(PixelAddress(surface, part.left, below), from, count);
-                else
+                } else {
                     memcpy(PixelAddress(surface, part.left, below), from, static_cast<size_t>(count) * sizeof *from);
+                }
             }
         });
     }
-    if (streamed)
+    if (streamed) {
         EndStreaming();
+    }
     return sourceHeight;
 }

@@ -6,24 +6,28 @@
 static uint32_t NextCharacter(const char* text, size_t length, size_t* position)
 {
     const uint8_t first = static_cast<uint8_t>(text[(*position)++]);
-    if (first < 0x80)
+    if (first < 0x80) {
         return first;
+    }
     const int following = first >= 0xC2 && first <= 0xDF   ? 1
                           : (first & 0xF0) == 0xE0         ? 2
                           : first >= 0xF0 && first <= 0xF4 ? 3
                                                            : 0;
-    if (following == 0 || length - *position < static_cast<size_t>(following))
+    if (following == 0 || length - *position < static_cast<size_t>(following)) {
         return '?';
+    }
     uint32_t character = first & (0x3Fu >> following);
     for (int index = 0; index < following; ++index) {
         const uint8_t next = static_cast<uint8_t>(text[*position + static_cast<size_t>(index)]);
-        if ((next & 0xC0) != 0x80)
+        if ((next & 0xC0) != 0x80) {
             return '?';
+        }
         character = character << 6 | (next & 0x3F);
     }
     static const uint32_t smallest[] = {0, 0x80, 0x800, 0x10000};
-    if (character < smallest[following] || character > 0x10FFFF || (character >= 0xD800 && character <= 0xDFFF))
+    if (character < smallest[following] || character > 0x10FFFF || (character >= 0xD800 && character <= 0xDFFF)) {
         return '?';
+    }
     *position += static_cast<size_t>(following);
     return character;
 }
@@ -51,8 +55,9 @@ std::vector<TextGlyph> ReadText(FontStrike* strike, const char* text, size_t len
 int WidthOf(const TextGlyph* glyphs, size_t count)
 {
     int width = 0;
-    for (size_t index = 0; index < count; ++index)
+    for (size_t index = 0; index < count; ++index) {
         width += glyphs[index].glyph->advance;
+    }
     return width;
 }
 
@@ -77,10 +82,11 @@ static void DrawGlyph(HDC dc, Surface* surface, int left, int top, const Glyph& 
             const uint8_t* coverage = glyph.coverage.data() + static_cast<ptrdiff_t>(y - top) * glyph.width - left;
             uint32_t* row = PixelAddress(surface, 0, y);
             for (int x = part.left; x < part.right; ++x) {
-                if (coverage[x] == 255)
+                if (coverage[x] == 255) {
                     row[x] = pixel;
-                else if (coverage[x] != 0)
+                } else if (coverage[x] != 0) {
                     row[x] = Blend(row[x], pixel, coverage[x]);
+                }
             }
         }
     });
@@ -89,8 +95,9 @@ static void DrawGlyph(HDC dc, Surface* surface, int left, int top, const Glyph& 
 void DrawGlyphs(HDC dc, int x, int y, const TextGlyph* glyphs, size_t count, const RECT& limit)
 {
     Surface* surface = DrawingSurface(dc);
-    if (!surface)
+    if (!surface) {
         return;
+    }
     const FontStrike& strike = *dc->font->strike;
     const uint32_t pixel = PixelOf(dc->textColour);
     const int baseline = y + strike.ascent;
@@ -102,10 +109,11 @@ void DrawGlyphs(HDC dc, int x, int y, const TextGlyph* glyphs, size_t count, con
     for (size_t index = 0; index < count && x < surface->width; ++index) {
         const Glyph& glyph = *glyphs[index].glyph;
         DrawGlyph(dc, surface, x + glyph.left, baseline - glyph.top, glyph, pixel, limit);
-        if (dc->font->underline || glyphs[index].marked)
+        if (dc->font->underline || glyphs[index].marked) {
             FillDeviceRect(dc, surface,
                            Overlap({x, underline, x + glyph.advance, underline + strike.underlineThickness}, limit),
                            pixel);
+        }
         x += glyph.advance;
     }
 }
@@ -114,8 +122,9 @@ void DrawGlyphs(HDC dc, int x, int y, const TextGlyph* glyphs, size_t count, con
 
 BOOL WINAPI TextOutA(HDC dc, int x, int y, LPCSTR text, int length)
 {
-    if (!dc || !text || length < 0 || !dc->font->strike)
+    if (!dc || !text || length < 0 || !dc->font->strike) {
         return FALSE;
+    }
     FontStrike* strike = dc->font->strike;
     const std::vector<TextGlyph> glyphs = ReadText(strike, text, static_cast<size_t>(length), {false, false});
     const bool fromBaseline = (dc->textAlign & TA_BASELINE) == TA_BASELINE;
@@ -127,8 +136,9 @@ BOOL WINAPI TextOutA(HDC dc, int x, int y, LPCSTR text, int length)
 
 BOOL WINAPI GetTextExtentPoint32A(HDC dc, LPCSTR text, int length, LPSIZE size)
 {
-    if (!dc || !text || length < 0 || !size || !dc->font->strike)
+    if (!dc || !text || length < 0 || !size || !dc->font->strike) {
         return FALSE;
+    }
     FontStrike* strike = dc->font->strike;
     const std::vector<TextGlyph> glyphs = ReadText(strike, text, static_cast<size_t>(length), {false, false});
     *size = {WidthOf(glyphs.data(), glyphs.size()), strike->ascent + strike->descent};
@@ -137,8 +147,9 @@ BOOL WINAPI GetTextExtentPoint32A(HDC dc, LPCSTR text, int length, LPSIZE size)
 
 BOOL WINAPI GetTextMetricsA(HDC dc, TEXTMETRICA* metrics)
 {
-    if (!dc || !metrics || !dc->font->strike)
+    if (!dc || !metrics || !dc->font->strike) {
         return FALSE;
+    }
     const FontStrike& strike = *dc->font->strike;
     *metrics = {};
     metrics->tmHeight = strike.ascent + strike.descent;

@@ -18,15 +18,17 @@ bool IsReadOnly(const struct stat& status)
 int RenameByLink(const char* from, const char* to)
 {
     if (systemCalls.link(from, to) == 0) {
-        if (systemCalls.unlink(from) == 0)
+        if (systemCalls.unlink(from) == 0) {
             return 0;
+        }
         int reason = errno;
         systemCalls.unlink(to);
         errno = reason;
         return -1;
     }
-    if (errno == EEXIST)
+    if (errno == EEXIST) {
         return -1;
+    }
     struct stat status;
     if (systemCalls.stat(to, &status) == 0) {
         errno = EEXIST;
@@ -40,8 +42,9 @@ int RenameByLink(const char* from, const char* to)
 BOOL WINAPI DeleteFileA(LPCSTR path)
 {
     char resolved[MAX_PATH];
-    if (!ResolvePath(path, resolved, sizeof resolved))
+    if (!ResolvePath(path, resolved, sizeof resolved)) {
         return FALSE;
+    }
     struct stat status;
     if (systemCalls.stat(resolved, &status) == 0 && (S_ISDIR(status.st_mode) || IsReadOnly(status))) {
         SetLastError(ERROR_ACCESS_DENIED);
@@ -58,8 +61,9 @@ BOOL WINAPI MoveFileA(LPCSTR from, LPCSTR to)
 {
     char source[MAX_PATH];
     char target[MAX_PATH];
-    if (!ResolvePath(from, source, sizeof source) || !ResolvePath(to, target, sizeof target))
+    if (!ResolvePath(from, source, sizeof source) || !ResolvePath(to, target, sizeof target)) {
         return FALSE;
+    }
     struct stat sourceStatus;
     struct stat targetStatus;
     if (systemCalls.stat(source, &sourceStatus) != 0) {
@@ -78,8 +82,9 @@ BOOL WINAPI MoveFileA(LPCSTR from, LPCSTR to)
     }
     const char* newPath = sameFile ? to : target;
     int result = systemCalls.renameNoReplace(source, newPath);
-    if (result != 0 && (errno == EINVAL || errno == ENOSYS))
+    if (result != 0 && (errno == EINVAL || errno == ENOSYS)) {
         result = RenameByLink(source, newPath);
+    }
     if (result != 0) {
         SetErrorForPath(newPath, ERROR_WRITE_FAULT);
         return FALSE;
@@ -90,15 +95,17 @@ BOOL WINAPI MoveFileA(LPCSTR from, LPCSTR to)
 DWORD WINAPI GetFileAttributesA(LPCSTR path)
 {
     char resolved[MAX_PATH];
-    if (!ResolvePath(path, resolved, sizeof resolved))
+    if (!ResolvePath(path, resolved, sizeof resolved)) {
         return INVALID_FILE_ATTRIBUTES;
+    }
     struct stat status;
     if (systemCalls.stat(resolved, &status) != 0) {
         SetErrorForPath(resolved, ERROR_READ_FAULT);
         return INVALID_FILE_ATTRIBUTES;
     }
     DWORD attributes = S_ISDIR(status.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : 0;
-    if (IsReadOnly(status))
+    if (IsReadOnly(status)) {
         attributes |= FILE_ATTRIBUTE_READONLY;
+    }
     return attributes ? attributes : FILE_ATTRIBUTE_NORMAL;
 }

@@ -41,8 +41,9 @@ template <typename Call>
 auto RetryInterrupted(Call call)
 {
     auto result = call();
-    while (result == -1 && errno == EINTR)
+    while (result == -1 && errno == EINTR) {
         result = call();
+    }
     return result;
 }
 
@@ -58,10 +59,12 @@ OpenFile* FileOf(HFILE handle)
 
 bool MoveSystemPosition(OpenFile& file, off_t position)
 {
-    if (file.systemPosition == position)
+    if (file.systemPosition == position) {
         return true;
-    if (systemCalls.seek(file.descriptor, position, SEEK_SET) != position)
+    }
+    if (systemCalls.seek(file.descriptor, position, SEEK_SET) != position) {
         return false;
+    }
     file.systemPosition = position;
     return true;
 }
@@ -93,8 +96,9 @@ ssize_t ReadThrough(OpenFile& file, uint8_t* bytes, size_t count)
             SetLastError(ErrorFromErrno(errno, ERROR_READ_FAULT));
             return -1;
         }
-        if (got == 0)
+        if (got == 0) {
             break;
+        }
         file.systemPosition += got;
         total += static_cast<size_t>(got);
     }
@@ -104,8 +108,9 @@ ssize_t ReadThrough(OpenFile& file, uint8_t* bytes, size_t count)
 // Writes gathered bytes. On failure they are lost, and the handle remembers that until it is closed.
 bool WriteGathered(OpenFile& file)
 {
-    if (file.use != bufferToWrite)
+    if (file.use != bufferToWrite) {
         return true;
+    }
     file.use = bufferEmpty;
     if (!MoveSystemPosition(file, file.bufferStart)) {
         SetLastError(ErrorFromErrno(errno, ERROR_WRITE_FAULT));
@@ -121,11 +126,13 @@ std::string FolderOf(const char* path)
 {
     const char* slash = strrchr(path, '/');
     std::string folder = slash ? std::string(path, static_cast<size_t>(slash - path) + 1) : std::string();
-    if (path[0] == '/')
+    if (path[0] == '/') {
         return folder;
+    }
     char current[PATH_MAX];
-    if (!getcwd(current, sizeof current))
+    if (!getcwd(current, sizeof current)) {
         return slash ? folder : std::string(".");
+    }
     return std::string(current) + "/" + folder;
 }
 
@@ -134,11 +141,13 @@ std::string FolderOf(const char* path)
 HFILE OpenPath(LPCSTR path, int flags, bool readable, bool writable)
 {
     char resolved[MAX_PATH];
-    if (!ResolvePath(path, resolved, sizeof resolved))
+    if (!ResolvePath(path, resolved, sizeof resolved)) {
         return HFILE_ERROR;
+    }
     int index = 0;
-    while (index < mostFiles && files[index].inUse)
+    while (index < mostFiles && files[index].inUse) {
         index++;
+    }
     if (index == mostFiles) {
         SetLastError(ERROR_TOO_MANY_OPEN_FILES);
         return HFILE_ERROR;
@@ -174,17 +183,19 @@ bool SyncFolder(const std::string& folder)
     int descriptor =
         RetryInterrupted([&] { return systemCalls.open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC, 0); });
     if (descriptor < 0) {
-        if (errno == EACCES || errno == EPERM)
+        if (errno == EACCES || errno == EPERM) {
             return true; // a folder that may be written but not read cannot be synced; the file is written all the
                          // same
+        }
         SetLastError(ErrorFromErrno(errno, ERROR_WRITE_FAULT));
         return false;
     }
     // Some file systems have nothing to sync for a folder and say so with EINVAL.
     bool synced = RetryInterrupted([&] { return systemCalls.fsync(descriptor); }) == 0 || errno == EINVAL ||
                   errno == EOPNOTSUPP;
-    if (!synced)
+    if (!synced) {
         SetLastError(ErrorFromErrno(errno, ERROR_WRITE_FAULT));
+    }
     systemCalls.close(descriptor);
     return synced;
 }
@@ -219,14 +230,16 @@ UINT WINAPI _lread(HFILE handle, LPVOID buffer, UINT count)
 {
     constexpr UINT failed = static_cast<UINT>(-1);
     OpenFile* file = FileOf(handle);
-    if (!file)
+    if (!file) {
         return failed;
+    }
     if (!file->readable || (!buffer && count > 0)) {
         SetLastError(ERROR_ACCESS_DENIED);
         return failed;
     }
-    if (!WriteGathered(*file))
+    if (!WriteGathered(*file)) {
         return failed;
+    }
     uint8_t* destination = static_cast<uint8_t*>(buffer);
     size_t wanted = count;
     while (wanted > 0) {
@@ -245,8 +258,9 @@ UINT WINAPI _lread(HFILE handle, LPVOID buffer, UINT count)
         }
         if (wanted >= bufferSize) {
             ssize_t got = ReadThrough(*file, destination, wanted);
-            if (got < 0)
+            if (got < 0) {
                 return failed;
+            }
             file->position += got;
             wanted -= static_cast<size_t>(got);
             break;
@@ -254,10 +268,12 @@ UINT WINAPI _lread(HFILE handle, LPVOID buffer, UINT count)
         file->buffer.resize(bufferSize);
         file->use = bufferEmpty;
         ssize_t got = ReadThrough(*file, file->buffer.data(), bufferSize);
-        if (got < 0)
+        if (got < 0) {
             return failed;
-        if (got == 0)
+        }
+        if (got == 0) {
             break;
+        }
         file->use = bufferReadAhead;
         file->bufferStart = file->position;
         file->bufferUsed = static_cast<size_t>(got);
@@ -269,8 +285,9 @@ UINT WINAPI _lwrite(HFILE handle, LPCSTR buffer, UINT count)
 {
     constexpr UINT failed = static_cast<UINT>(-1);
     OpenFile* file = FileOf(handle);
-    if (!file)
+    if (!file) {
         return failed;
+    }
     if (!file->writable || (!buffer && count > 0)) {
         SetLastError(ERROR_ACCESS_DENIED);
         return failed;
@@ -279,11 +296,13 @@ UINT WINAPI _lwrite(HFILE handle, LPCSTR buffer, UINT count)
         SetLastError(ERROR_WRITE_FAULT);
         return failed;
     }
-    if (count == 0)
+    if (count == 0) {
         return 0;
+    }
     const uint8_t* source = reinterpret_cast<const uint8_t*>(buffer);
-    if (file->use == bufferToWrite && file->bufferUsed + count > bufferSize && !WriteGathered(*file))
+    if (file->use == bufferToWrite && file->bufferUsed + count > bufferSize && !WriteGathered(*file)) {
         return failed;
+    }
     if (count >= bufferSize) {
         file->use = bufferEmpty;
         if (!MoveSystemPosition(*file, file->position)) {
@@ -309,8 +328,9 @@ UINT WINAPI _lwrite(HFILE handle, LPCSTR buffer, UINT count)
 HFILE WINAPI _lclose(HFILE handle)
 {
     OpenFile* file = FileOf(handle);
-    if (!file)
+    if (!file) {
         return HFILE_ERROR;
+    }
     bool good = WriteGathered(*file) && !file->writeFailed;
     // The descriptor is gone even when close reports an interruption, so it is not tried again.
     if (systemCalls.close(file->descriptor) != 0 && errno != EINTR) {
@@ -324,12 +344,14 @@ HFILE WINAPI _lclose(HFILE handle)
 DWORD WINAPI SetFilePointer(HANDLE handle, LONG offset, PLONG offsetHigh, DWORD method)
 {
     OpenFile* file = FileOf(static_cast<HFILE>(reinterpret_cast<intptr_t>(handle)));
-    if (!file || !WriteGathered(*file))
+    if (!file || !WriteGathered(*file)) {
         return INVALID_SET_FILE_POINTER;
+    }
     int64_t distance = offset;
-    if (offsetHigh)
+    if (offsetHigh) {
         distance = static_cast<int64_t>(static_cast<uint64_t>(static_cast<uint32_t>(*offsetHigh)) << 32 |
                                         static_cast<uint32_t>(offset));
+    }
     int64_t base = 0;
     if (method == FILE_CURRENT) {
         base = file->position;
@@ -351,8 +373,9 @@ DWORD WINAPI SetFilePointer(HANDLE handle, LONG offset, PLONG offsetHigh, DWORD 
         return INVALID_SET_FILE_POINTER;
     }
     file->position = position;
-    if (offsetHigh)
+    if (offsetHigh) {
         *offsetHigh = static_cast<LONG>(position >> 32);
+    }
     SetLastError(ERROR_SUCCESS);
     return static_cast<DWORD>(position);
 }
@@ -360,8 +383,9 @@ DWORD WINAPI SetFilePointer(HANDLE handle, LONG offset, PLONG offsetHigh, DWORD 
 BOOL WINAPI FlushFileBuffers(HANDLE handle)
 {
     OpenFile* file = FileOf(static_cast<HFILE>(reinterpret_cast<intptr_t>(handle)));
-    if (!file)
+    if (!file) {
         return FALSE;
+    }
     if (!file->writable) {
         SetLastError(ERROR_ACCESS_DENIED);
         return FALSE;
@@ -370,8 +394,9 @@ BOOL WINAPI FlushFileBuffers(HANDLE handle)
         SetLastError(ERROR_WRITE_FAULT);
         return FALSE;
     }
-    if (!WriteGathered(*file))
+    if (!WriteGathered(*file)) {
         return FALSE;
+    }
     if (RetryInterrupted([&] { return systemCalls.fsync(file->descriptor); }) != 0) {
         SetLastError(ErrorFromErrno(errno, ERROR_WRITE_FAULT));
         file->writeFailed = true; // the system may have dropped the bytes, a later fsync would not tell

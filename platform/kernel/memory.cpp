@@ -30,8 +30,9 @@ MemoryBlock* BlockOf(HGLOBAL handle)
 
 bool AllocationMayFail()
 {
-    if (successesLeft < 0)
+    if (successesLeft < 0) {
         return false;
+    }
     return successesLeft-- == 0;
 }
 
@@ -51,8 +52,9 @@ int GlobalBlocksInUse()
 HGLOBAL WINAPI GlobalAlloc(UINT, SIZE_T size)
 {
     void* address = nullptr;
-    if (size <= largestBlock && !AllocationMayFail())
+    if (size <= largestBlock && !AllocationMayFail()) {
         address = calloc(1, size > 0 ? size : 1);
+    }
     if (!address) {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return nullptr;
@@ -66,8 +68,9 @@ HGLOBAL WINAPI GlobalAlloc(UINT, SIZE_T size)
 LPVOID WINAPI GlobalLock(HGLOBAL handle)
 {
     MemoryBlock* block = BlockOf(handle);
-    if (!block)
+    if (!block) {
         return nullptr;
+    }
     block->locks++;
     return block->address;
 }
@@ -76,11 +79,13 @@ LPVOID WINAPI GlobalLock(HGLOBAL handle)
 BOOL WINAPI GlobalUnlock(HGLOBAL handle)
 {
     MemoryBlock* block = BlockOf(handle);
-    if (!block)
+    if (!block) {
         return FALSE;
+    }
     SetLastError(ERROR_SUCCESS);
-    if (block->locks > 0)
+    if (block->locks > 0) {
         block->locks--;
+    }
     return block->locks > 0;
 }
 
@@ -96,11 +101,13 @@ HGLOBAL WINAPI GlobalHandle(LPCVOID address)
 
 HGLOBAL WINAPI GlobalFree(HGLOBAL handle)
 {
-    if (!handle)
+    if (!handle) {
         return nullptr;
+    }
     MemoryBlock* block = BlockOf(handle);
-    if (!block)
+    if (!block) {
         return handle;
+    }
     blockOfAddress.erase(block->address);
     liveBlocks.erase(block);
     free(block->address);

@@ -15,10 +15,12 @@ namespace {
 // 0x9E in UTF-8, their small letters 0x20 further; 0x97 is the multiplication sign.
 unsigned char FoldedByte(unsigned char previous, unsigned char byte)
 {
-    if (byte >= 'A' && byte <= 'Z')
+    if (byte >= 'A' && byte <= 'Z') {
         return static_cast<unsigned char>(byte + 0x20);
-    if (previous == 0xC3 && byte >= 0x80 && byte <= 0x9E && byte != 0x97)
+    }
+    if (previous == 0xC3 && byte >= 0x80 && byte <= 0x9E && byte != 0x97) {
         return static_cast<unsigned char>(byte + 0x20);
+    }
     return byte;
 }
 
@@ -30,10 +32,12 @@ bool SameFileName(const char* first, const char* second)
     for (size_t i = 0;; i++) {
         unsigned char a = static_cast<unsigned char>(first[i]);
         unsigned char b = static_cast<unsigned char>(second[i]);
-        if (FoldedByte(previous, a) != FoldedByte(previous, b))
+        if (FoldedByte(previous, a) != FoldedByte(previous, b)) {
             return false;
-        if (a == 0)
+        }
+        if (a == 0) {
             return true;
+        }
         previous = a;
     }
 }
@@ -52,16 +56,19 @@ bool ResolvePath(const char* path, char* resolved, size_t size)
     memcpy(resolved, path, length + 1);
 
     struct stat status;
-    if (systemCalls.stat(path, &status) == 0)
+    if (systemCalls.stat(path, &status) == 0) {
         return true;
+    }
     const char* slash = strrchr(path, '/');
     const char* name = slash ? slash + 1 : path;
-    if (name[0] == 0)
+    if (name[0] == 0) {
         return true;
+    }
     std::string folder = slash ? std::string(path, static_cast<size_t>(name - path)) : std::string("./");
     DIR* entries = opendir(folder.c_str());
-    if (!entries)
+    if (!entries) {
         return true;
+    }
     // Folding never changes a name's length, so the entry fits where the name was.
     char* resolvedName = resolved + (name - path);
     bool found = false;
@@ -78,11 +85,13 @@ bool ResolvePath(const char* path, char* resolved, size_t size)
 void _splitpath(const char* path, char* drive, char* folder, char* name, char* extension)
 {
     auto Store = [](char* buffer, size_t size, const char* from, const char* to) {
-        if (!buffer)
+        if (!buffer) {
             return;
+        }
         size_t length = static_cast<size_t>(to - from);
-        if (length >= size)
+        if (length >= size) {
             length = 0;
+        }
         memcpy(buffer, from, length);
         buffer[length] = 0;
     };
@@ -106,8 +115,9 @@ DWORD WINAPI GetCurrentDirectoryA(DWORD size, LPSTR buffer)
         return 0;
     }
     size_t length = strlen(folder);
-    if (!buffer || length >= size)
+    if (!buffer || length >= size) {
         return static_cast<DWORD>(length + 1);
+    }
     memcpy(buffer, folder, length + 1);
     return static_cast<DWORD>(length);
 }
@@ -115,8 +125,9 @@ DWORD WINAPI GetCurrentDirectoryA(DWORD size, LPSTR buffer)
 BOOL WINAPI SetCurrentDirectoryA(LPCSTR path)
 {
     char resolved[MAX_PATH];
-    if (!ResolvePath(path, resolved, sizeof resolved))
+    if (!ResolvePath(path, resolved, sizeof resolved)) {
         return FALSE;
+    }
     if (chdir(resolved) != 0) {
         SetErrorForPath(resolved, ERROR_GEN_FAILURE);
         return FALSE;

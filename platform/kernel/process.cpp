@@ -8,8 +8,9 @@
 
 DWORD WINAPI GetTickCount()
 {
-    if (host)
+    if (host) {
         return host->ticks();
+    }
     timespec now;
     clock_gettime(CLOCK_MONOTONIC, &now);
     return static_cast<DWORD>(static_cast<uint64_t>(now.tv_sec) * 1000 +
@@ -18,10 +19,12 @@ DWORD WINAPI GetTickCount()
 
 void WINAPI OutputDebugStringA(LPCSTR text)
 {
-    if (!text)
+    if (!text) {
         return;
+    }
     size_t length = strlen(text);
     fputs(text, stderr);
-    if (length == 0 || text[length - 1] != '\n')
+    if (length == 0 || text[length - 1] != '\n') {
         fputc('\n', stderr);
+    }
 }

@@ -20,17 +20,20 @@ struct ResourceName {
 ResourceName NameOf(LPCSTR argument)
 {
     uintptr_t word = reinterpret_cast<uintptr_t>(argument);
-    if (word <= 0xFFFF)
+    if (word <= 0xFFFF) {
         return {nullptr, static_cast<int>(word)};
-    if (argument[0] == '#')
+    }
+    if (argument[0] == '#') {
         return {nullptr, atoi(argument + 1)};
+    }
     return {argument, 0};
 }
 
 bool Matches(const ResourceName& wanted, const char* text, int number)
 {
-    if (wanted.text && text)
+    if (wanted.text && text) {
         return strcasecmp(wanted.text, text) == 0;
+    }
     return !wanted.text && !text && wanted.number == number;
 }
 
@@ -63,8 +66,9 @@ HRSRC WINAPI FindResourceA(HMODULE module, LPCSTR name, LPCSTR type)
     for (int i = 0; IsOurModule(module) && i < moduleResourceCount; i++) {
         const ModuleResource& resource = moduleResources[i];
         if (Matches(wantedType, resource.typeName, resource.typeNumber) &&
-            Matches(wantedName, resource.name, resource.number))
+            Matches(wantedName, resource.name, resource.number)) {
             return const_cast<ModuleResource*>(&resource);
+        }
     }
     SetLastError(ERROR_FILE_NOT_FOUND);
     return nullptr;
@@ -94,14 +98,16 @@ BOOL WINAPI FreeResource(HGLOBAL)
 
 int WINAPI LoadStringA(HINSTANCE, UINT id, LPSTR buffer, int size)
 {
-    if (!buffer || size <= 0)
+    if (!buffer || size <= 0) {
         return 0;
+    }
     buffer[0] = 0;
     const ModuleString* end = moduleStrings + moduleStringCount;
     const ModuleString* found = std::lower_bound(
         moduleStrings, end, id, [](const ModuleString& entry, uint32_t wanted) { return entry.id < wanted; });
-    if (found == end || found->id != id)
+    if (found == end || found->id != id) {
         return 0;
+    }
     size_t length = std::min(strlen(found->text), static_cast<size_t>(size) - 1);
     memcpy(buffer, found->text, length);
     buffer[length] = 0;

@@ -90,8 +90,9 @@ void SetErrorForPath(const char* path, unsigned ioFault)
     if (number == ENOENT && slash && slash != path) {
         struct stat status;
         std::string folder(path, static_cast<size_t>(slash - path));
-        if (systemCalls.stat(folder.c_str(), &status) != 0)
+        if (systemCalls.stat(folder.c_str(), &status) != 0) {
             code = ERROR_PATH_NOT_FOUND;
+        }
     }
     SetLastError(code);
 }

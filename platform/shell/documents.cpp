@@ -22,8 +22,9 @@ FileFilter ChosenFilter(const char* list, DWORD index)
     FileFilter chosen;
     for (DWORD number = 1; list && *list; number++) {
         const char* pattern = list + strlen(list) + 1;
-        if (number == 1 || number == index)
+        if (number == 1 || number == index) {
             chosen = {list, pattern};
+        }
         list = pattern + strlen(pattern) + 1;
     }
     return chosen;
@@ -39,8 +40,9 @@ HostWindow* HostWindowOf(HWND handle)
 
 BOOL WINAPI GetOpenFileNameA(OPENFILENAMEA* request)
 {
-    if (!host || !request || !request->lpstrFile || request->nMaxFile == 0)
+    if (!host || !request || !request->lpstrFile || request->nMaxFile == 0) {
         return FALSE;
+    }
     GdiFlush();
     char current[PATH_MAX] = "";
     GetCurrentDirectoryA(sizeof current, current);
@@ -52,8 +54,9 @@ BOOL WINAPI GetOpenFileNameA(OPENFILENAMEA* request)
     question.filterPattern = filter.pattern;
     question.folder = request->lpstrInitialDir ? request->lpstrInitialDir : current;
     char path[PATH_MAX] = "";
-    if (!host->chooseFile(&question, path, sizeof path))
+    if (!host->chooseFile(&question, path, sizeof path)) {
         return FALSE;
+    }
     const size_t length = strnlen(path, sizeof path);
     if (length == 0 || length >= request->nMaxFile || length >= sizeof path) {
         SetLastError(ERROR_FILENAME_EXCED_RANGE);
@@ -72,8 +75,9 @@ BOOL WINAPI GetOpenFileNameA(OPENFILENAMEA* request)
         memcpy(request->lpstrFileTitle, name, kept);
         request->lpstrFileTitle[kept] = 0;
     }
-    if (!(request->Flags & OFN_NOCHANGEDIR) && slash)
+    if (!(request->Flags & OFN_NOCHANGEDIR) && slash) {
         SetCurrentDirectoryA(std::string(path, slash > path ? static_cast<size_t>(slash - path) : 1).c_str());
+    }
     return TRUE;
 }
 
@@ -82,16 +86,19 @@ HINSTANCE WINAPI ShellExecuteA(HWND, LPCSTR verb, LPCSTR file, LPCSTR, LPCSTR fo
     auto Answer = [](uintptr_t number) { return reinterpret_cast<HINSTANCE>(number); };
     constexpr uintptr_t noOpener = 31;
     constexpr uintptr_t opened = 33;
-    if (!host || !file || (verb && strcmp(verb, "open") != 0))
+    if (!host || !file || (verb && strcmp(verb, "open") != 0)) {
         return Answer(noOpener);
+    }
     std::string path = file;
     if (file[0] != '/' && folder && folder[0]) {
         path = folder;
-        if (path.back() != '/')
+        if (path.back() != '/') {
             path += '/';
+        }
         path += file;
     }
-    if (GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES)
+    if (GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES) {
         return Answer(ERROR_FILE_NOT_FOUND);
+    }
     return Answer(host->openDocument(path.c_str()) == 0 ? opened : noOpener);
 }

@@ -18,16 +18,20 @@ void PlayWave(const uint8_t* wave, uint32_t size)
 
 BOOL WINAPI PlaySoundA(LPCSTR name, HMODULE module, DWORD flags)
 {
-    if (!host)
+    if (!host) {
         return FALSE;
-    if (!name)
+    }
+    if (!name) {
         return TRUE; // every sound has ended before its call returned
-    if ((flags & SND_RESOURCE) != SND_RESOURCE)
+    }
+    if ((flags & SND_RESOURCE) != SND_RESOURCE) {
         return sndPlaySoundA(name, flags);
+    }
     const HRSRC resource = FindResourceA(module, name, "WAVE");
     const void* wave = LockResource(LoadResource(module, resource));
-    if (!wave)
+    if (!wave) {
         return FALSE;
+    }
     PlayWave(static_cast<const uint8_t*>(wave), SizeofResource(module, resource));
     return TRUE;
 }
@@ -35,10 +39,12 @@ BOOL WINAPI PlaySoundA(LPCSTR name, HMODULE module, DWORD flags)
 // Plays only from memory, where the RIFF header tells the size.
 BOOL WINAPI sndPlaySoundA(LPCSTR name, UINT flags)
 {
-    if (!name)
+    if (!name) {
         return TRUE;
-    if (!host || !(flags & SND_MEMORY))
+    }
+    if (!host || !(flags & SND_MEMORY)) {
         return FALSE;
+    }
     const uint8_t* wave = reinterpret_cast<const uint8_t*>(name);
     const uint32_t size = static_cast<uint32_t>(wave[4]) | static_cast<uint32_t>(wave[5]) << 8 |
                           static_cast<uint32_t>(wave[6]) << 16 | static_cast<uint32_t>(wave[7]) << 24;
@@ -48,8 +54,9 @@ BOOL WINAPI sndPlaySoundA(LPCSTR name, UINT flags)
 
 BOOL WINAPI MessageBeep(UINT)
 {
-    if (!host)
+    if (!host) {
         return FALSE;
+    }
     host->beep();
     return TRUE;
 }

@@ -69,17 +69,20 @@ struct DecodedImage {
 std::vector<DirectoryEntry> ReadDirectory(const Bytes& file, unsigned type)
 {
     std::vector<DirectoryEntry> entries;
-    if (Word(file, 0) != 0 || Word(file, 2) != type)
+    if (Word(file, 0) != 0 || Word(file, 2) != type) {
         return entries;
+    }
     const size_t count = Word(file, 4);
     for (size_t i = 0; i < count; i++) {
         const size_t at = 6 + 16 * i;
-        if (at + 16 > file.size)
+        if (at + 16 > file.size) {
             break;
+        }
         const size_t size = Long(file, at + 8);
         const size_t offset = Long(file, at + 12);
-        if (offset > file.size || size > file.size - offset)
+        if (offset > file.size || size > file.size - offset) {
             continue;
+        }
         entries.push_back({file.data[at] ? file.data[at] : largestImage,
                            file.data[at + 1] ? file.data[at + 1] : largestImage,
                            static_cast<int>(Word(file, at + 4)),
@@ -109,20 +112,23 @@ bool DecodeImage(const Bytes& bytes, DecodedImage* decoded)
     const unsigned bits = Word(bytes, 14);
     const bool known = bits == 1 || bits == 4 || bits == 8 || bits == 24 || bits == 32;
     if (bytes.size < 40 || Long(bytes, 0) != 40 || Long(bytes, 16) != BI_RGB || !known || width < 1 ||
-        width > largestImage || height < 1 || height > largestImage)
+        width > largestImage || height < 1 || height > largestImage) {
         return false;
+    }
     const int columns = static_cast<int>(width);
     const int rows = static_cast<int>(height);
     size_t colourCount = 0;
-    if (bits <= 8)
+    if (bits <= 8) {
         colourCount = Long(bytes, 32) ? std::min<size_t>(Long(bytes, 32), size_t{1} << bits) : size_t{1} << bits;
+    }
     const size_t colourRow = RowBytes(columns, bits);
     const size_t maskRow = RowBytes(columns, 1);
     const size_t colours = 40 + 4 * colourCount;
     const size_t mask = colours + colourRow * static_cast<size_t>(rows);
     const size_t maskEnd = mask + maskRow * static_cast<size_t>(rows);
-    if (mask > bytes.size || (bits != 32 && maskEnd > bytes.size))
+    if (mask > bytes.size || (bits != 32 && maskEnd > bytes.size)) {
         return false;
+    }
 
     decoded->width = columns;
     decoded->height = rows;
@@ -130,10 +136,12 @@ bool DecodeImage(const Bytes& bytes, DecodedImage* decoded)
     bool hasAlpha = false;
     auto ColourAt = [&](int row, int column) -> uint32_t {
         const size_t from = colours + colourRow * static_cast<size_t>(rows - 1 - row);
-        if (bits == 32)
+        if (bits == 32) {
             return Long(bytes, from + 4 * static_cast<size_t>(column));
-        if (bits == 24)
+        }
+        if (bits == 24) {
             return Long(bytes, from + 3 * static_cast<size_t>(column)) & 0xFFFFFF;
+        }
         const unsigned index = PixelIndex(bytes.data + from, column, bits);
         return index < colourCount ? Long(bytes, 40 + 4 * index) & 0xFFFFFF : 0;
     };
@@ -145,8 +153,9 @@ bool DecodeImage(const Bytes& bytes, DecodedImage* decoded)
                 colour;
         }
     }
-    if (hasAlpha)
+    if (hasAlpha) {
         return true;
+    }
     for (int row = 0; row < rows; row++) {
         const uint8_t* maskBits = bytes.data + mask + maskRow * static_cast<size_t>(rows - 1 - row);
         for (int column = 0; column < columns; column++) {
@@ -155,10 +164,11 @@ bool DecodeImage(const Bytes& bytes, DecodedImage* decoded)
                     ->pixels[static_cast<size_t>(row) * static_cast<size_t>(columns) + static_cast<size_t>(column)];
             const bool masked = maskEnd <= bytes.size && PixelIndex(maskBits, column, 1) != 0;
             // A masked pixel that is not black inverts the screen; here it is drawn black.
-            if (!masked)
+            if (!masked) {
                 pixel |= 0xFF000000;
-            else
+            } else {
                 pixel = (pixel & 0xFFFFFF) ? 0xFF000000 : 0;
+            }
         }
     }
     return true;
@@ -178,8 +188,9 @@ const DirectoryEntry* NearestEntry(const std::vector<DirectoryEntry>& entries, i
     for (const DirectoryEntry& entry : entries) {
         const int distance = std::abs(entry.width - width);
         if (!best || distance < std::abs(best->width - width) ||
-            (distance == std::abs(best->width - width) && entry.width > best->width))
+            (distance == std::abs(best->width - width) && entry.width > best->width)) {
             best = &entry;
+        }
     }
     return best;
 }
@@ -216,8 +227,9 @@ bool IsLiveCursor(HCURSOR cursor)
 HCURSOR WINAPI LoadCursorA(HINSTANCE instance, LPCSTR name)
 {
     if (!instance) {
-        if (name == static_cast<LPCSTR>(IDC_ARROW))
+        if (name == static_cast<LPCSTR>(IDC_ARROW)) {
             return &arrowCursor;
+        }
         return name == static_cast<LPCSTR>(IDC_WAIT) ? &waitCursor : nullptr;
     }
     const std::vector<DirectoryEntry> entries = ReadDirectory(ResourceBytes(instance, name, RT_CURSOR), 2);
@@ -234,12 +246,15 @@ HCURSOR WINAPI LoadCursorA(HINSTANCE instance, LPCSTR name)
 
 BOOL WINAPI DestroyCursor(HCURSOR cursor)
 {
-    if (cursor == &arrowCursor || cursor == &waitCursor || !IsLiveCursor(cursor))
+    if (cursor == &arrowCursor || cursor == &waitCursor || !IsLiveCursor(cursor)) {
         return FALSE;
-    if (images.current == cursor)
+    }
+    if (images.current == cursor) {
         images.current = nullptr;
-    if (images.shown == cursor)
+    }
+    if (images.shown == cursor) {
         images.shown = nullptr; // its address may come back for another cursor
+    }
     std::erase_if(images.cursors, [&](const std::unique_ptr<HCURSOR__>& live) { return live.get() == cursor; });
     return TRUE;
 }
@@ -248,8 +263,9 @@ BOOL WINAPI DestroyCursor(HCURSOR cursor)
 HCURSOR WINAPI SetCursor(HCURSOR cursor)
 {
     const HCURSOR previous = images.current;
-    if (cursor && !IsLiveCursor(cursor))
+    if (cursor && !IsLiveCursor(cursor)) {
         return previous;
+    }
     images.current = cursor;
     const HCURSOR wanted = cursor ? cursor : &arrowCursor;
     if (host && images.shown != wanted) {
@@ -274,10 +290,12 @@ HICON WINAPI LoadIconA(HINSTANCE instance, LPCSTR name)
 
 HANDLE WINAPI LoadImageA(HINSTANCE instance, LPCSTR name, UINT type, int width, int, UINT flags)
 {
-    if (type == IMAGE_ICON && !(flags & LR_LOADFROMFILE))
+    if (type == IMAGE_ICON && !(flags & LR_LOADFROMFILE)) {
         return LoadIconOfSize(instance, name, width);
-    if (type == IMAGE_BITMAP && (flags & LR_LOADFROMFILE) && name)
+    }
+    if (type == IMAGE_BITMAP && (flags & LR_LOADFROMFILE) && name) {
         return BitmapFromFile(name);
+    }
     SetLastError(ERROR_FILE_NOT_FOUND);
     return nullptr;
 }
@@ -286,11 +304,13 @@ void ShowIcons(const Window& window)
 {
     std::vector<HostImage> shown;
     for (HICON icon : {window.windowClass->record.hIcon, window.windowClass->record.hIconSm}) {
-        if (icon && IsLiveIcon(icon))
+        if (icon && IsLiveIcon(icon)) {
             shown.push_back({icon->width, icon->height, icon->pixels.data()});
+        }
     }
-    if (!shown.empty())
+    if (!shown.empty()) {
         host->setIcons(window.hostWindow, shown.data(), static_cast<int>(shown.size()));
+    }
 }
 
 void DestroyAllImages()

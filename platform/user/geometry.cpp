@@ -11,8 +11,9 @@ void ScreenSize(int* width, int* height)
 {
     *width = 0;
     *height = 0;
-    if (host)
+    if (host) {
         host->screenSize(width, height);
+    }
 }
 
 // Asks the window how large its frame may become while it is tracked.
@@ -47,24 +48,27 @@ bool HasTrackSizes(const Window& window)
 RECT AskSizing(HWND handle, const RECT& proposed)
 {
     RECT answer = proposed;
-    if (!SendMessageA(handle, WM_SIZING, WMSZ_BOTTOMRIGHT, reinterpret_cast<LPARAM>(&answer)))
+    if (!SendMessageA(handle, WM_SIZING, WMSZ_BOTTOMRIGHT, reinterpret_cast<LPARAM>(&answer))) {
         return proposed;
+    }
     return answer;
 }
 
 void UpdateSizeLimitsOf(HWND handle)
 {
     Window* window = Lookup(handle);
-    if (!window || !window->visible || !window->hostWindow || !HasTrackSizes(*window))
+    if (!window || !window->visible || !window->hostWindow || !HasTrackSizes(*window)) {
         return;
+    }
     const RECT frame = FrameBox(*window);
     const MINMAXINFO info = AskTrackSizes(handle);
     constexpr int farAway = 20000;
     const RECT least = AskSizing(handle, {frame.left, frame.top, frame.left + 1, frame.top + 1});
     const RECT most = AskSizing(handle, {frame.left, frame.top, frame.left + farAway, frame.top + farAway});
     window = Lookup(handle);
-    if (!window)
+    if (!window) {
         return;
+    }
     const int acrossBorders = window->borders.left + window->borders.right;
     const int downBorders = window->borders.top + window->borders.bottom;
     SizeLimits limits = {};
@@ -76,8 +80,9 @@ void UpdateSizeLimitsOf(HWND handle)
     limits.maxHeight = std::max({limits.maxHeight, limits.minHeight, window->height});
     limits.minWidth = std::clamp(limits.minWidth, 1, window->width);
     limits.minHeight = std::clamp(limits.minHeight, 1, window->height);
-    if (limits == window->sentLimits)
+    if (limits == window->sentLimits) {
         return;
+    }
     window->sentLimits = limits;
     host->limitSize(window->hostWindow, limits.minWidth, limits.minHeight, limits.maxWidth, limits.maxHeight);
 }
@@ -86,12 +91,14 @@ void UpdateSizeLimitsOf(HWND handle)
 void WidenLimits(Window& window, int width, int height)
 {
     SizeLimits& limits = window.sentLimits;
-    if (limits.maxWidth == 0)
+    if (limits.maxWidth == 0) {
         return; // none were sent
+    }
     const SizeLimits wider = {std::min(limits.minWidth, width), std::min(limits.minHeight, height),
                               std::max(limits.maxWidth, width), std::max(limits.maxHeight, height)};
-    if (wider == limits)
+    if (wider == limits) {
         return;
+    }
     limits = wider;
     host->limitSize(window.hostWindow, wider.minWidth, wider.minHeight, wider.maxWidth, wider.maxHeight);
 }
@@ -103,9 +110,10 @@ void InvalidateAfterSizing(Window& window, int oldWidth, int oldHeight)
     const int height = window.height;
     const RECT box = ClientBox(window);
     Region inside;
-    for (const RECT& part : window.update)
+    for (const RECT& part : window.update) {
         AddToRegion(inside,
                     {part.left, part.top, std::min(part.right, box.right), std::min(part.bottom, box.bottom)});
+    }
     window.update = inside;
     if ((width != oldWidth && (style & CS_HREDRAW)) || (height != oldHeight && (style & CS_VREDRAW))) {
         InvalidateArea(window, box, true);
@@ -119,11 +127,13 @@ void InvalidateAfterSizing(Window& window, int oldWidth, int oldHeight)
 // none is among them.
 void Reorder(Window& window, HWND after)
 {
-    if (!IsTopLevel(window) || (after != HWND_TOP && after != HWND_TOPMOST))
+    if (!IsTopLevel(window) || (after != HWND_TOP && after != HWND_TOPMOST)) {
         return;
+    }
     Raise(window);
-    if (window.hostWindow)
+    if (window.hostWindow) {
         host->raiseWindow(window.hostWindow);
+    }
 }
 
 } // namespace
@@ -135,14 +145,16 @@ RECT ClientBox(const Window& window)
 
 void RefreshPlace(Window& window)
 {
-    if (!window.hostWindow)
+    if (!window.hostWindow) {
         return;
+    }
     HostGeometry place = {};
     host->windowGeometry(window.hostWindow, &place);
     window.left = place.clientLeft;
     window.top = place.clientTop;
-    if (window.kind != framedWindow)
+    if (window.kind != framedWindow) {
         return;
+    }
     window.borders = {
         std::max(0, place.clientLeft - place.frame.left),
         std::max(0, place.clientTop - place.frame.top),
@@ -186,11 +198,13 @@ void AfterPlacement(HWND handle, int width, int height, UINT flags)
         window->width = width;
         window->height = height;
         ResizePicture(*window);
-        if (!(flags & SWP_NOREDRAW))
+        if (!(flags & SWP_NOREDRAW)) {
             InvalidateAfterSizing(*window, oldWidth, oldHeight);
+        }
     }
-    if ((flags & keptClientSize) && (flags & keptClientPlace))
+    if ((flags & keptClientSize) && (flags & keptClientPlace)) {
         return;
+    }
     RECT frame = FrameBox(*window);
     WINDOWPOS position = {handle, nullptr, frame.left, frame.top, frame.right - frame.left, frame.bottom - frame.top,
                           flags};
@@ -201,16 +215,18 @@ void AfterPlacement(HWND handle, int width, int height, UINT flags)
 void HandleHostGeometry(HWND handle)
 {
     Window* window = Lookup(handle);
-    if (!window || !window->hostWindow || window->destroying)
+    if (!window || !window->hostWindow || window->destroying) {
         return;
+    }
     const int oldLeft = window->left;
     const int oldTop = window->top;
     HostGeometry place = {};
     host->windowGeometry(window->hostWindow, &place);
     RefreshPlace(*window);
     if (place.clientWidth <= 0 || place.clientHeight <= 0 ||
-        (place.clientWidth == window->width && place.clientHeight == window->height))
+        (place.clientWidth == window->width && place.clientHeight == window->height)) {
         return;
+    }
     const UINT flags = SWP_NOZORDER | SWP_NOACTIVATE;
     const bool moved = window->left != oldLeft || window->top != oldTop;
     AfterPlacement(handle, place.clientWidth, place.clientHeight, moved ? flags : flags | keptClientPlace);
@@ -218,21 +234,25 @@ void HandleHostGeometry(HWND handle)
 
 void UpdateSizeLimits()
 {
-    for (size_t i = 0; i < user.windows.size(); i++)
+    for (size_t i = 0; i < user.windows.size(); i++) {
         UpdateSizeLimitsOf(user.windows[i]->handle);
+    }
 }
 
 BOOL WINAPI SetWindowPos(HWND handle, HWND after, int x, int y, int width, int height, UINT flags)
 {
     Window* window = Lookup(handle);
-    if (!window || window->destroying)
+    if (!window || window->destroying) {
         return FALSE;
-    if (!(flags & SWP_NOZORDER))
+    }
+    if (!(flags & SWP_NOZORDER)) {
         Reorder(*window, after);
+    }
     const bool move = !(flags & SWP_NOMOVE);
     const bool size = !(flags & SWP_NOSIZE);
-    if (!move && !size)
+    if (!move && !size) {
         return TRUE;
+    }
     if (!IsTopLevel(*window)) {
         if (move) {
             window->left = x;
@@ -242,8 +262,9 @@ BOOL WINAPI SetWindowPos(HWND handle, HWND after, int x, int y, int width, int h
             window->width = std::max(0, width);
             window->height = std::max(0, height);
         }
-        if (window->kind == scrollBarWindow)
+        if (window->kind == scrollBarWindow) {
             SyncScrollBar(*window);
+        }
         return TRUE;
     }
 
@@ -258,8 +279,9 @@ BOOL WINAPI SetWindowPos(HWND handle, HWND after, int x, int y, int width, int h
             width = Limit(width, info.ptMinTrackSize.x, info.ptMaxTrackSize.x);
             height = Limit(height, info.ptMinTrackSize.y, info.ptMaxTrackSize.y);
             window = Lookup(handle);
-            if (!window)
+            if (!window) {
                 return FALSE;
+            }
         }
         clientWidth = std::max(1, width - window->borders.left - window->borders.right);
         clientHeight = std::max(1, height - window->borders.top - window->borders.bottom);
@@ -282,11 +304,13 @@ BOOL WINAPI MoveWindow(HWND handle, int x, int y, int width, int height, BOOL re
 
 BOOL WINAPI AdjustWindowRect(LPRECT rect, DWORD style, BOOL)
 {
-    if (!rect)
+    if (!rect) {
         return FALSE;
+    }
     Window* framed = FirstFramedWindow();
-    if ((style & (WS_POPUP | WS_CHILD)) || !framed)
+    if ((style & (WS_POPUP | WS_CHILD)) || !framed) {
         return TRUE;
+    }
     RefreshPlace(*framed);
     rect->left -= framed->borders.left;
     rect->top -= framed->borders.top;
@@ -298,8 +322,9 @@ BOOL WINAPI AdjustWindowRect(LPRECT rect, DWORD style, BOOL)
 BOOL WINAPI GetClientRect(HWND handle, LPRECT rect)
 {
     const Window* window = Lookup(handle);
-    if (!window || !rect)
+    if (!window || !rect) {
         return FALSE;
+    }
     *rect = ClientBox(*window);
     return TRUE;
 }
@@ -307,8 +332,9 @@ BOOL WINAPI GetClientRect(HWND handle, LPRECT rect)
 BOOL WINAPI GetWindowRect(HWND handle, LPRECT rect)
 {
     Window* window = Lookup(handle);
-    if (!window || !rect)
+    if (!window || !rect) {
         return FALSE;
+    }
     *rect = FrameBox(*window);
     return TRUE;
 }
@@ -316,8 +342,9 @@ BOOL WINAPI GetWindowRect(HWND handle, LPRECT rect)
 BOOL WINAPI ClientToScreen(HWND handle, LPPOINT point)
 {
     const Window* window = Lookup(handle);
-    if (!window || !point)
+    if (!window || !point) {
         return FALSE;
+    }
     POINT origin = ClientOrigin(*window);
     point->x += origin.x;
     point->y += origin.y;
@@ -327,8 +354,9 @@ BOOL WINAPI ClientToScreen(HWND handle, LPPOINT point)
 BOOL WINAPI ScreenToClient(HWND handle, LPPOINT point)
 {
     const Window* window = Lookup(handle);
-    if (!window || !point)
+    if (!window || !point) {
         return FALSE;
+    }
     POINT origin = ClientOrigin(*window);
     point->x -= origin.x;
     point->y -= origin.y;
@@ -340,8 +368,9 @@ int WINAPI MapWindowPoints(HWND from, HWND to, LPPOINT points, UINT count)
 {
     const Window* source = Lookup(from);
     const Window* target = Lookup(to);
-    if ((from && !source) || (to && !target) || (!points && count > 0))
+    if ((from && !source) || (to && !target) || (!points && count > 0)) {
         return 0;
+    }
     POINT offset = source ? ClientOrigin(*source) : POINT{0, 0};
     if (target) {
         POINT origin = ClientOrigin(*target);

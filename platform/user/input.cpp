@@ -49,8 +49,9 @@ bool PointerMessage(const HostEvent& event, MSG* message)
 {
     const Window* window = Lookup(Lookup(user.capture) ? user.capture : HandleOf(event));
     message->message = event.kind == hostPointerMove ? WM_MOUSEMOVE : ButtonMessage(event);
-    if (!window || message->message == WM_NULL)
+    if (!window || message->message == WM_NULL) {
         return false;
+    }
     const POINT origin = ClientOrigin(*window);
     message->hwnd = window->handle;
     message->wParam = static_cast<WPARAM>(MouseKeysOf(event));
@@ -66,10 +67,12 @@ bool KeyMessage(const HostEvent& event, MSG* message)
     const bool control = (event.modifiers & hostControl) != 0;
     const bool system = (alt && !control) || event.key == VK_MENU || event.key == VK_F10;
     const Window* window = Lookup(HandleOf(event));
-    if (!window)
+    if (!window) {
         window = FirstFramedWindow();
-    if (!window)
+    }
+    if (!window) {
         return false;
+    }
     message->hwnd = window->handle;
     message->message =
         static_cast<UINT>(down ? (system ? WM_SYSKEYDOWN : WM_KEYDOWN) : (system ? WM_SYSKEYUP : WM_KEYUP));
@@ -82,10 +85,12 @@ bool KeyMessage(const HostEvent& event, MSG* message)
 bool MenuMessage(const HostEvent& event, MSG* message)
 {
     const Window* window = Lookup(HandleOf(event));
-    if (!window || window->kind != framedWindow)
+    if (!window || window->kind != framedWindow) {
         window = FirstFramedWindow();
-    if (!window || !IsMenuChoiceEnabled(window->menu, static_cast<UINT>(event.code)))
+    }
+    if (!window || !IsMenuChoiceEnabled(window->menu, static_cast<UINT>(event.code))) {
         return false;
+    }
     message->hwnd = window->handle;
     message->message = WM_COMMAND;
     message->wParam = static_cast<WPARAM>(event.code & 0xFFFF);
@@ -96,17 +101,20 @@ void Remember(const HostEvent& event)
 {
     std::vector<MOUSEMOVEPOINT>& history = user.moveHistory;
     const bool isMove = event.kind == hostPointerMove;
-    if (!isMove && !history.empty() && history.back().x == event.screenX && history.back().y == event.screenY)
+    if (!isMove && !history.empty() && history.back().x == event.screenX && history.back().y == event.screenY) {
         return;
-    if (history.size() == historyLength)
+    }
+    if (history.size() == historyLength) {
         history.erase(history.begin());
+    }
     history.push_back({event.screenX, event.screenY, event.time, 0});
 }
 
 bool Supersedes(const HostEvent& event, const HostEvent& waiting)
 {
-    if (event.kind != waiting.kind || event.token != waiting.token)
+    if (event.kind != waiting.kind || event.token != waiting.token) {
         return false;
+    }
     return event.kind == hostPointerMove || event.kind == hostGeometry ||
            (event.kind == hostScroll && event.bar == waiting.bar && event.code == SB_THUMBTRACK &&
             waiting.code == SB_THUMBTRACK);
@@ -131,26 +139,30 @@ void Enqueue(const HostEvent& event)
     default:
         break;
     }
-    if (!user.input.empty() && Supersedes(event, user.input.back()))
+    if (!user.input.empty() && Supersedes(event, user.input.back())) {
         user.input.back() = event;
-    else
+    } else {
         user.input.push_back(event);
+    }
 }
 
 void TakeActivation(const HostEvent& event)
 {
     const bool active = event.code != 0;
     const Window* window = Lookup(HandleOf(event));
-    if (active && window)
+    if (active && window) {
         SetForeground(window->handle);
-    else if (!active)
+    } else if (!active) {
         SetForeground(nullptr);
-    if (active == user.programActive)
+    }
+    if (active == user.programActive) {
         return;
+    }
     user.programActive = active;
     const std::vector<HWND> handles = user.zOrder;
-    for (HWND handle : handles)
+    for (HWND handle : handles) {
         SendMessageA(handle, WM_ACTIVATEAPP, active, 0);
+    }
 }
 
 } // namespace
@@ -207,10 +219,12 @@ void DeliverSentEvent(const HostEvent& event)
     switch (event.kind) {
     case hostScroll: {
         Window* bar = LookupBar(event.bar);
-        if (!bar)
+        if (!bar) {
             return;
-        if (event.code == SB_THUMBTRACK || event.code == SB_THUMBPOSITION)
+        }
+        if (event.code == SB_THUMBTRACK || event.code == SB_THUMBPOSITION) {
             bar->scroll.nTrackPos = event.position;
+        }
         SendMessageA(bar->parent, (bar->style & SBS_VERT) ? WM_VSCROLL : WM_HSCROLL,
                      MAKEWPARAM(event.code, event.position), reinterpret_cast<LPARAM>(bar->handle));
         return;
@@ -219,8 +233,9 @@ void DeliverSentEvent(const HostEvent& event)
         HandleHostGeometry(HandleOf(event));
         return;
     case hostCloseRequest:
-        if (window)
+        if (window) {
             SendMessageA(window->handle, WM_CLOSE, 0, 0);
+        }
         return;
     case hostActivate:
         TakeActivation(event);
@@ -234,8 +249,9 @@ void TakeKeyState(const HostEvent& event)
 {
     user.keyModifiers = event.modifiers;
     user.keyButtons = event.buttons;
-    if (event.kind != hostKeyDown && event.kind != hostKeyUp)
+    if (event.kind != hostKeyDown && event.kind != hostKeyUp) {
         return;
+    }
     const bool down = event.kind == hostKeyDown;
     user.keyDown[event.key & 0xFF] = down;
     // The event of a modifier key itself tells what was held before it.
@@ -293,8 +309,9 @@ SHORT WINAPI GetKeyState(int key)
 
 SHORT WINAPI GetAsyncKeyState(int key)
 {
-    if (!host)
+    if (!host) {
         return 0;
+    }
     PresentAll();
     // The state is read before the events are collected: when it says that a button is up, its release and every
     // position before that are in the queue and in the history.
@@ -315,8 +332,9 @@ SHORT WINAPI GetAsyncKeyState(int key)
 
 BOOL WINAPI GetCursorPos(LPPOINT point)
 {
-    if (!point || !host)
+    if (!point || !host) {
         return FALSE;
+    }
     PresentAll();
     int x = 0;
     int y = 0;
@@ -327,8 +345,9 @@ BOOL WINAPI GetCursorPos(LPPOINT point)
 
 BOOL WINAPI SetCursorPos(int x, int y)
 {
-    if (!host)
+    if (!host) {
         return FALSE;
+    }
     PresentAll();
     host->warpPointer(x, y);
     return TRUE;
@@ -336,8 +355,9 @@ BOOL WINAPI SetCursorPos(int x, int y)
 
 int WINAPI GetMouseMovePointsEx(UINT size, MOUSEMOVEPOINT* point, MOUSEMOVEPOINT* buffer, int count, DWORD)
 {
-    if (size != sizeof(MOUSEMOVEPOINT) || !point || !buffer || count < 0 || count > static_cast<int>(historyLength))
+    if (size != sizeof(MOUSEMOVEPOINT) || !point || !buffer || count < 0 || count > static_cast<int>(historyLength)) {
         return -1;
+    }
     const int kept = std::min(count, static_cast<int>(user.moveHistory.size()));
     std::copy_n(user.moveHistory.rbegin(), kept, buffer);
     return kept;

@@ -31,8 +31,9 @@ std::vector<std::unique_ptr<HMENU__>> menus;
 HMENU__* LookupMenu(HMENU handle)
 {
     for (const std::unique_ptr<HMENU__>& menu : menus) {
-        if (handle && menu.get() == handle)
+        if (handle && menu.get() == handle) {
             return handle;
+        }
     }
     return nullptr;
 }
@@ -53,8 +54,9 @@ struct ItemPlace {
 MenuItem* FindItem(HMENU handle, UINT item, UINT flags, ItemPlace* place)
 {
     HMENU__* menu = LookupMenu(handle);
-    if (!menu)
+    if (!menu) {
         return nullptr;
+    }
     for (size_t i = 0; i < menu->items.size(); i++) {
         MenuItem& entry = menu->items[i];
         const bool byPosition = (flags & MF_BYPOSITION) != 0;
@@ -63,8 +65,9 @@ MenuItem* FindItem(HMENU handle, UINT item, UINT flags, ItemPlace* place)
             return &entry;
         }
         if (!byPosition && entry.submenu) {
-            if (MenuItem* found = FindItem(entry.submenu, item, flags, place))
+            if (MenuItem* found = FindItem(entry.submenu, item, flags, place)) {
                 return found;
+            }
         }
     }
     return nullptr;
@@ -80,14 +83,16 @@ void ShowItemState(const ItemPlace& place)
     const HMENU__* menu = place.menu;
     const HMENU__* bar = menu->bar ? LookupMenu(menu->bar) : menu;
     const Window* window = bar ? Lookup(bar->window) : nullptr;
-    if (!window || !window->hostWindow)
+    if (!window || !window->hostWindow) {
         return;
+    }
     const MenuItem& item = menu->items[static_cast<size_t>(place.position)];
     int title = place.position;
     if (bar != menu) {
         for (size_t i = 0; i < bar->items.size(); i++) {
-            if (bar->items[i].submenu == menu)
+            if (bar->items[i].submenu == menu) {
                 title = static_cast<int>(i);
+            }
         }
     }
     host->setMenuItem(window->hostWindow, title, bar == menu ? -1 : place.position, IsUsable(item),
@@ -99,12 +104,14 @@ UINT ChangeFlags(HMENU menu, UINT item, UINT flags, UINT changed)
 {
     ItemPlace place = {};
     MenuItem* entry = FindItem(menu, item, flags, &place);
-    if (!entry)
+    if (!entry) {
         return noSuchItem;
+    }
     const UINT previous = entry->flags & changed;
     entry->flags = (entry->flags & ~changed) | (flags & changed);
-    if ((entry->flags & changed) != previous)
+    if ((entry->flags & changed) != previous) {
         ShowItemState(place);
+    }
     return previous;
 }
 
@@ -115,12 +122,14 @@ void AddLine(HMENU bar, const std::string& line)
         bar->items.push_back({0, 0, line, submenu});
         return;
     }
-    if (bar->items.empty())
+    if (bar->items.empty()) {
         return;
+    }
     HMENU menu = bar->items.back().submenu;
     const std::string text = line.substr(std::min(line.find_first_not_of(' '), line.size()));
-    if (text.empty())
+    if (text.empty()) {
         return;
+    }
     if (text == "-") {
         menu->items.push_back({0, MF_SEPARATOR, "", nullptr});
         return;
@@ -139,16 +148,18 @@ HMENU LoadMenuOfClass(const WindowClass& windowClass)
     const HRSRC resource =
         windowClass.record.lpszMenuName ? FindResourceA(nullptr, windowClass.record.lpszMenuName, RT_MENU) : nullptr;
     const char* text = static_cast<const char*>(LockResource(LoadResource(nullptr, resource)));
-    if (!text)
+    if (!text) {
         return nullptr;
+    }
     const char* end = text + SizeofResource(nullptr, resource);
     HMENU bar = NewMenu(nullptr);
     while (text < end) {
         const char* lineEnd = std::find(text, end, '\n');
         std::string line(text, lineEnd);
         line.erase(line.find_last_not_of("\r \t") + 1);
-        if (!line.empty())
+        if (!line.empty()) {
             AddLine(bar, line);
+        }
         text = lineEnd < end ? lineEnd + 1 : end;
     }
     return bar;
@@ -157,8 +168,9 @@ HMENU LoadMenuOfClass(const WindowClass& windowClass)
 void AttachMenu(Window& window)
 {
     HMENU__* bar = LookupMenu(window.menu);
-    if (!bar)
+    if (!bar) {
         return;
+    }
     bar->window = window.handle;
     std::vector<HostMenuItem> items;
     for (size_t menu = 0; menu < bar->items.size(); menu++) {
@@ -176,9 +188,10 @@ void DestroyMenuOf(Window& window)
 {
     const HMENU bar = window.menu;
     window.menu = nullptr;
-    if (bar)
+    if (bar) {
         std::erase_if(menus,
                       [&](const std::unique_ptr<HMENU__>& menu) { return menu.get() == bar || menu->bar == bar; });
+    }
 }
 
 void DestroyAllMenus()
@@ -192,8 +205,9 @@ bool IsMenuChoiceEnabled(HMENU handle, UINT command)
     for (size_t i = 0; bar && i < bar->items.size(); i++) {
         ItemPlace place = {};
         const MenuItem* item = FindItem(bar->items[i].submenu, command, MF_BYCOMMAND, &place);
-        if (item)
+        if (item) {
             return IsUsable(*item) && IsUsable(bar->items[i]);
+        }
     }
     return false;
 }
@@ -207,8 +221,9 @@ HMENU WINAPI GetMenu(HWND handle)
 HMENU WINAPI GetSubMenu(HMENU handle, int position)
 {
     const HMENU__* menu = LookupMenu(handle);
-    if (!menu || position < 0 || static_cast<size_t>(position) >= menu->items.size())
+    if (!menu || position < 0 || static_cast<size_t>(position) >= menu->items.size()) {
         return nullptr;
+    }
     return menu->items[static_cast<size_t>(position)].submenu;
 }
 
@@ -222,10 +237,12 @@ UINT WINAPI GetMenuState(HMENU menu, UINT item, UINT flags)
 {
     ItemPlace place = {};
     const MenuItem* entry = FindItem(menu, item, flags, &place);
-    if (!entry)
+    if (!entry) {
         return noSuchItem;
-    if (!entry->submenu)
+    }
+    if (!entry->submenu) {
         return entry->flags;
+    }
     return (entry->flags & 0xFF) | popupFlag | static_cast<UINT>(entry->submenu->items.size() & 0xFF) << 8;
 }
 
@@ -244,8 +261,9 @@ BOOL WINAPI HiliteMenuItem(HWND window, HMENU menu, UINT item, UINT flags)
 {
     ItemPlace place = {};
     MenuItem* entry = FindItem(menu, item, flags, &place);
-    if (!entry || !IsWindow(window))
+    if (!entry || !IsWindow(window)) {
         return FALSE;
+    }
     entry->flags = (entry->flags & ~static_cast<UINT>(MF_HILITE)) | (flags & MF_HILITE);
     return TRUE;
 }
@@ -254,12 +272,15 @@ int WINAPI GetMenuStringA(HMENU menu, UINT item, LPSTR buffer, int size, UINT fl
 {
     ItemPlace place = {};
     const MenuItem* entry = FindItem(menu, item, flags, &place);
-    if (buffer && size > 0)
+    if (buffer && size > 0) {
         buffer[0] = 0;
-    if (!entry)
+    }
+    if (!entry) {
         return 0;
-    if (!buffer || size <= 0)
+    }
+    if (!buffer || size <= 0) {
         return static_cast<int>(entry->text.size());
+    }
     const size_t length = std::min(entry->text.size(), static_cast<size_t>(size) - 1);
     memcpy(buffer, entry->text.data(), length);
     buffer[length] = 0;

@@ -17,10 +17,12 @@ struct MessageFilter {
 
 bool Matches(const MessageFilter& filter, const MSG& message)
 {
-    if (filter.window && filter.window != message.hwnd)
+    if (filter.window && filter.window != message.hwnd) {
         return false;
-    if (filter.first == 0 && filter.last == 0)
+    }
+    if (filter.first == 0 && filter.last == 0) {
         return true;
+    }
     return message.message >= filter.first && message.message <= filter.last;
 }
 
@@ -29,11 +31,13 @@ bool Matches(const MessageFilter& filter, const MSG& message)
 bool TakeQueued(const MessageFilter& filter, bool remove, MSG* message)
 {
     for (size_t i = 0; i < user.posted.size(); i++) {
-        if (!Matches(filter, user.posted[i]))
+        if (!Matches(filter, user.posted[i])) {
             continue;
+        }
         *message = user.posted[i];
-        if (remove)
+        if (remove) {
             user.posted.erase(user.posted.begin() + static_cast<ptrdiff_t>(i));
+        }
         return true;
     }
     size_t i = 0;
@@ -65,13 +69,15 @@ bool TakeQueued(const MessageFilter& filter, bool remove, MSG* message)
 bool MakePaint(const MessageFilter& filter, MSG* message)
 {
     const Window* window = WindowToPaint(filter.window);
-    if (!window)
+    if (!window) {
         return false;
+    }
     MSG made = {};
     made.hwnd = window->handle;
     made.message = WM_PAINT;
-    if (!Matches(filter, made))
+    if (!Matches(filter, made)) {
         return false;
+    }
     made.time = host->ticks();
     int x = 0;
     int y = 0;
@@ -89,8 +95,9 @@ void SendPlacement(HWND handle, const WINDOWPOS& position)
         SendMessageA(handle, WM_MOVE, 0, MAKELPARAM(origin.x, origin.y));
     }
     window = Lookup(handle);
-    if (window && !(position.flags & keptClientSize))
+    if (window && !(position.flags & keptClientSize)) {
         SendMessageA(handle, WM_SIZE, 0, MAKELPARAM(window->width, window->height));
+    }
 }
 
 BOOL Given()
@@ -103,19 +110,24 @@ BOOL Given()
 
 BOOL WINAPI PeekMessageA(LPMSG message, HWND window, UINT first, UINT last, UINT remove)
 {
-    if (!message || !host)
+    if (!message || !host) {
         return FALSE;
+    }
     const MessageFilter filter = {window, first, last};
     const bool take = (remove & PM_REMOVE) != 0;
-    if (host->ticks() - user.lastPresent >= busyPresentMilliseconds)
+    if (host->ticks() - user.lastPresent >= busyPresentMilliseconds) {
         PresentAll();
-    if (TakeQueued(filter, take, message))
+    }
+    if (TakeQueued(filter, take, message)) {
         return Given();
+    }
     CollectEvents(0);
-    if (TakeQueued(filter, take, message) || MakePaint(filter, message))
+    if (TakeQueued(filter, take, message) || MakePaint(filter, message)) {
         return Given();
-    if (!take)
+    }
+    if (!take) {
         return FALSE;
+    }
     if (user.limitsMayDiffer) {
         user.limitsMayDiffer = false;
         UpdateSizeLimits();
@@ -132,11 +144,13 @@ LRESULT WINAPI DispatchMessageA(const MSG* message)
 
 BOOL WINAPI TranslateMessage(const MSG* message)
 {
-    if (!message || (message->message != WM_KEYDOWN && message->message != WM_SYSKEYDOWN))
+    if (!message || (message->message != WM_KEYDOWN && message->message != WM_SYSKEYDOWN)) {
         return FALSE;
+    }
     const WPARAM character = static_cast<WPARAM>((message->lParam >> 16) & 0xFF);
-    if (character == 0)
+    if (character == 0) {
         return FALSE;
+    }
     const bool plain = message->message == WM_KEYDOWN;
     MSG made = *message;
     made.message = plain ? WM_CHAR : WM_SYSCHAR;
@@ -153,8 +167,9 @@ LRESULT WINAPI SendMessageA(HWND handle, UINT message, WPARAM wParam, LPARAM lPa
 
 BOOL WINAPI PostMessageA(HWND handle, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    if ((handle && !Lookup(handle)) || user.posted.size() >= mostPosted || !host)
+    if ((handle && !Lookup(handle)) || user.posted.size() >= mostPosted || !host) {
         return FALSE;
+    }
     int x = 0;
     int y = 0;
     host->pointer(&x, &y);
@@ -164,8 +179,9 @@ BOOL WINAPI PostMessageA(HWND handle, UINT message, WPARAM wParam, LPARAM lParam
 
 LRESULT WINAPI DefWindowProcA(HWND handle, UINT message, WPARAM, LPARAM lParam)
 {
-    if (!Lookup(handle))
+    if (!Lookup(handle)) {
         return 0;
+    }
     switch (message) {
     case WM_CLOSE:
         DestroyWindow(handle);
@@ -177,8 +193,9 @@ LRESULT WINAPI DefWindowProcA(HWND handle, UINT message, WPARAM, LPARAM lParam)
         return 0;
     }
     case WM_WINDOWPOSCHANGED:
-        if (lParam)
+        if (lParam) {
             SendPlacement(handle, *reinterpret_cast<const WINDOWPOS*>(lParam));
+        }
         return 0;
     default:
         return 0;

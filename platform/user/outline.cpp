@@ -27,10 +27,12 @@ bool Normalised(int x0, int y0, int x1, int y1, Line* line)
 {
     const int dx = (x1 > x0) - (x1 < x0);
     const int dy = (y1 > y0) - (y1 < y0);
-    if (dx == 0 && dy == 0)
+    if (dx == 0 && dy == 0) {
         return false;
-    if (dx != 0 && dy != 0 && (std::abs(x1 - x0) > 1 || std::abs(y1 - y0) > 1))
+    }
+    if (dx != 0 && dy != 0 && (std::abs(x1 - x0) > 1 || std::abs(y1 - y0) > 1)) {
         return false;
+    }
     x1 -= dx;
     y1 -= dy;
     *line = {std::min(x0, x1), std::min(y0, y1), std::max(x0, x1), std::max(y0, y1)};
@@ -40,10 +42,12 @@ bool Normalised(int x0, int y0, int x1, int y1, Line* line)
 void InvertLine(int x0, int y0, int x1, int y1)
 {
     Line line = {};
-    if (!Normalised(x0, y0, x1, y1, &line))
+    if (!Normalised(x0, y0, x1, y1, &line)) {
         return;
-    if (oddLines.erase(line) == 0)
+    }
+    if (oddLines.erase(line) == 0) {
         oddLines.insert(line);
+    }
     outlineChanged = true;
 }
 
@@ -77,8 +81,9 @@ std::vector<Line> LinesToShow()
     std::vector<Line> lines;
     std::copy_if(oddLines.begin(), oddLines.end(), std::back_inserter(lines),
                  [](const Line& line) { return !IsPixel(line); });
-    if (lines.empty())
+    if (lines.empty()) {
         return {oddLines.begin(), oddLines.end()};
+    }
     for (const Line& pixel : oddLines) {
         for (size_t i = 0; IsPixel(pixel) && i < lines.size() && !Absorb(lines[i], pixel); i++) {
         }
@@ -90,35 +95,41 @@ std::vector<Line> LinesToShow()
 
 HDC ScreenDC()
 {
-    if (!screenDC)
+    if (!screenDC) {
         screenDC = CreateScreenDC(InvertLine);
+    }
     return screenDC;
 }
 
 void ShowPendingOutline()
 {
-    if (!outlineChanged)
+    if (!outlineChanged) {
         return;
+    }
     outlineChanged = false;
     std::vector<Line> lines = LinesToShow();
-    if (lines == shownLines)
+    if (lines == shownLines) {
         return;
+    }
     shownLines = lines;
     std::vector<HostSegment> segments;
     segments.reserve(lines.size());
-    for (const Line& line : lines)
+    for (const Line& line : lines) {
         segments.push_back({line.x0, line.y0, line.x1, line.y1});
+    }
     host->showOutline(segments.data(), static_cast<int>(segments.size()));
 }
 
 void ForgetOutline()
 {
-    if (host && !shownLines.empty())
+    if (host && !shownLines.empty()) {
         host->showOutline(nullptr, 0);
+    }
     oddLines.clear();
     shownLines.clear();
     outlineChanged = false;
-    if (screenDC)
+    if (screenDC) {
         DeleteSurfaceDC(screenDC);
+    }
     screenDC = nullptr;
 }

@@ -5,8 +5,9 @@
 
 void InvalidateArea(Window& window, const RECT& area, bool erase)
 {
-    if (window.kind == scrollBarWindow)
+    if (window.kind == scrollBarWindow) {
         return; // paints itself
+    }
     RECT box = ClientBox(window);
     AddToRegion(window.update, {std::max(area.left, box.left), std::max(area.top, box.top),
                                 std::min(area.right, box.right), std::min(area.bottom, box.bottom)});
@@ -18,8 +19,9 @@ Window* WindowToPaint(HWND filter)
     for (HWND handle : user.zOrder) {
         Window* window = Lookup(handle);
         if (window && window->visible && !window->destroying && !window->update.empty() &&
-            (!filter || filter == handle))
+            (!filter || filter == handle)) {
             return window;
+        }
     }
     return nullptr;
 }
@@ -27,8 +29,9 @@ Window* WindowToPaint(HWND filter)
 HDC WINAPI BeginPaint(HWND handle, PAINTSTRUCT* paint)
 {
     Window* window = Lookup(handle);
-    if (!window || !paint)
+    if (!window || !paint) {
         return nullptr;
+    }
     *paint = {};
     HDC dc = DCOfWindow(*window);
     paint->hdc = dc;
@@ -38,16 +41,18 @@ HDC WINAPI BeginPaint(HWND handle, PAINTSTRUCT* paint)
     bool erase = window->erasePending;
     window->erasePending = false;
     DPtoLP(dc, reinterpret_cast<LPPOINT>(&paint->rcPaint), 2);
-    if (erase)
+    if (erase) {
         paint->fErase = SendMessageA(handle, WM_ERASEBKGND, reinterpret_cast<WPARAM>(dc), 0) == 0;
+    }
     return dc;
 }
 
 BOOL WINAPI EndPaint(HWND handle, const PAINTSTRUCT* paint)
 {
     Window* window = Lookup(handle);
-    if (!window || !paint)
+    if (!window || !paint) {
         return FALSE;
+    }
     ClearClipOfDC(DCOfWindow(*window));
     return TRUE;
 }
@@ -55,8 +60,9 @@ BOOL WINAPI EndPaint(HWND handle, const PAINTSTRUCT* paint)
 BOOL WINAPI InvalidateRect(HWND handle, const RECT* rect, BOOL erase)
 {
     Window* window = Lookup(handle);
-    if (!window)
+    if (!window) {
         return FALSE;
+    }
     InvalidateArea(*window, rect ? *rect : ClientBox(*window), erase != FALSE);
     return TRUE;
 }
@@ -64,8 +70,9 @@ BOOL WINAPI InvalidateRect(HWND handle, const RECT* rect, BOOL erase)
 BOOL WINAPI ValidateRect(HWND handle, const RECT* rect)
 {
     Window* window = Lookup(handle);
-    if (!window)
+    if (!window) {
         return FALSE;
+    }
     SubtractFromRegion(window->update, rect ? *rect : ClientBox(*window));
     window->erasePending = window->erasePending && !window->update.empty();
     return TRUE;
@@ -74,10 +81,12 @@ BOOL WINAPI ValidateRect(HWND handle, const RECT* rect)
 BOOL WINAPI GetUpdateRect(HWND handle, LPRECT rect, BOOL erase)
 {
     Window* window = Lookup(handle);
-    if (rect)
+    if (rect) {
         *rect = window ? RegionBox(window->update) : RECT{};
-    if (!window || window->update.empty())
+    }
+    if (!window || window->update.empty()) {
         return FALSE;
+    }
     if (erase && window->erasePending) {
         window->erasePending = false;
         SendMessageA(handle, WM_ERASEBKGND, reinterpret_cast<WPARAM>(DCOfWindow(*window)), 0);
@@ -88,9 +97,11 @@ BOOL WINAPI GetUpdateRect(HWND handle, LPRECT rect, BOOL erase)
 BOOL WINAPI UpdateWindow(HWND handle)
 {
     Window* window = Lookup(handle);
-    if (!window)
+    if (!window) {
         return FALSE;
-    if (window->visible && !window->update.empty())
+    }
+    if (window->visible && !window->update.empty()) {
         SendMessageA(handle, WM_PAINT, 0, 0);
+    }
     return TRUE;
 }

@@ -12,13 +12,15 @@ constexpr uint32_t unpaintedPixel = 0x00C0C0C0;
 void PresentWindow(Window& window)
 {
     RECT dirty = window.picture.dirty;
-    if (!window.visible || !window.hostWindow || dirty.left >= dirty.right || dirty.top >= dirty.bottom)
+    if (!window.visible || !window.hostWindow || dirty.left >= dirty.right || dirty.top >= dirty.bottom) {
         return;
+    }
     window.picture.dirty = {};
     HostRect part = {std::max(dirty.left, 0), std::max(dirty.top, 0), std::min(dirty.right, window.width),
                      std::min(dirty.bottom, window.height)};
-    if (part.left < part.right && part.top < part.bottom)
+    if (part.left < part.right && part.top < part.bottom) {
         host->present(window.hostWindow, &part);
+    }
 }
 
 } // namespace
@@ -27,8 +29,9 @@ void PresentWindow(Window& window)
 void ResizePicture(Window& window)
 {
     if (!window.hostWindow ||
-        (window.picture.pixels && window.picture.width == window.width && window.picture.height == window.height))
+        (window.picture.pixels && window.picture.width == window.width && window.picture.height == window.height)) {
         return;
+    }
     size_t width = static_cast<size_t>(window.width);
     size_t height = static_cast<size_t>(window.height);
     std::vector<uint32_t> pixels(width * height, unpaintedPixel);
@@ -47,15 +50,17 @@ void ResizePicture(Window& window)
 
 HDC DCOfWindow(Window& window)
 {
-    if (!window.dc)
+    if (!window.dc) {
         window.dc = CreateSurfaceDC(window.hostWindow ? &window.picture : nullptr);
+    }
     return window.dc;
 }
 
 void ReleasePicture(Window& window)
 {
-    if (window.dc)
+    if (window.dc) {
         DeleteSurfaceDC(window.dc);
+    }
     window.dc = nullptr;
     window.picture = {};
     window.pixels.clear();
@@ -63,16 +68,18 @@ void ReleasePicture(Window& window)
 
 void PresentAll()
 {
-    for (const std::unique_ptr<Window>& window : user.windows)
+    for (const std::unique_ptr<Window>& window : user.windows) {
         PresentWindow(*window);
+    }
     ShowPendingOutline();
     user.lastPresent = host->ticks();
 }
 
 HDC WINAPI GetDC(HWND handle)
 {
-    if (!handle)
+    if (!handle) {
         return ScreenDC();
+    }
     Window* window = Lookup(handle);
     return window ? DCOfWindow(*window) : nullptr;
 }
@@ -80,10 +87,12 @@ HDC WINAPI GetDC(HWND handle)
 // Every window keeps its device context, so nothing is given back.
 int WINAPI ReleaseDC(HWND handle, HDC dc)
 {
-    if (!dc)
+    if (!dc) {
         return 0;
-    if (!handle)
+    }
+    if (!handle) {
         return dc == ScreenDC();
+    }
     const Window* window = Lookup(handle);
     return window && window->dc == dc;
 }

@@ -10,10 +10,12 @@ void PlatformReset()
         for (size_t i = user.windows.size(); i-- > 0;) {
             Window& window = *user.windows[i];
             window.visible = false;
-            if (window.hostBar)
+            if (window.hostBar) {
                 host->destroyScrollBar(window.hostBar);
-            if (window.hostWindow)
+            }
+            if (window.hostWindow) {
                 host->destroyWindow(window.hostWindow);
+            }
             ReleasePicture(window);
         }
     }

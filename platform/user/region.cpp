@@ -17,8 +17,9 @@ bool IsEmpty(const RECT& area)
 
 void SubtractFromRegion(Region& region, const RECT& area)
 {
-    if (IsEmpty(area))
+    if (IsEmpty(area)) {
         return;
+    }
     Region rest;
     for (const RECT& old : region) {
         RECT common = {std::max(old.left, area.left), std::max(old.top, area.top), std::min(old.right, area.right),
@@ -34,8 +35,9 @@ void SubtractFromRegion(Region& region, const RECT& area)
             {old.left, common.bottom, old.right, old.bottom},
         };
         for (const RECT& piece : pieces) {
-            if (!IsEmpty(piece))
+            if (!IsEmpty(piece)) {
                 rest.push_back(piece);
+            }
         }
     }
     region = std::move(rest);
@@ -43,18 +45,21 @@ void SubtractFromRegion(Region& region, const RECT& area)
 
 void AddToRegion(Region& region, const RECT& area)
 {
-    if (IsEmpty(area))
+    if (IsEmpty(area)) {
         return;
+    }
     SubtractFromRegion(region, area);
     region.push_back(area);
-    if (region.size() > mostRectangles)
+    if (region.size() > mostRectangles) {
         region = {RegionBox(region)};
+    }
 }
 
 RECT RegionBox(const Region& region)
 {
-    if (region.empty())
+    if (region.empty()) {
         return {};
+    }
     RECT box = region[0];
     for (const RECT& part : region) {
         box.left = std::min(box.left, part.left);

@@ -16,11 +16,13 @@ bool IsNumber(LPCSTR name)
 
 const WindowClass* FindClass(LPCSTR name)
 {
-    if (!name || IsNumber(name))
+    if (!name || IsNumber(name)) {
         return nullptr;
+    }
     for (const std::unique_ptr<WindowClass>& entry : user.classes) {
-        if (strcasecmp(entry->name.c_str(), name) == 0)
+        if (strcasecmp(entry->name.c_str(), name) == 0) {
             return entry.get();
+        }
     }
     return nullptr;
 }
@@ -56,10 +58,12 @@ bool MakeHostWindow(Window& window, int frameLeft, int frameTop)
     request.noClose = (window.windowClass->record.style & CS_NOCLOSE) != 0;
     request.title = window.title.c_str();
     window.hostWindow = host->createWindow(&request, window.handle);
-    if (!window.hostWindow)
+    if (!window.hostWindow) {
         return false;
-    if (window.menu)
+    }
+    if (window.menu) {
         AttachMenu(window);
+    }
     ShowIcons(window);
     RefreshPlace(window);
     HostGeometry geometry = {};
@@ -77,10 +81,12 @@ bool MakeHostWindow(Window& window, int frameLeft, int frameTop)
 HWND OwnerOfPopup(HWND parent)
 {
     const Window* owner = Lookup(parent);
-    while (owner && !IsTopLevel(*owner))
+    while (owner && !IsTopLevel(*owner)) {
         owner = Lookup(owner->parent);
-    if (!owner)
+    }
+    if (!owner) {
         owner = FirstFramedWindow();
+    }
     return owner ? owner->handle : nullptr;
 }
 
@@ -96,8 +102,9 @@ void DefaultSize(int* width, int* height)
 void SendSizeAndMove(HWND handle)
 {
     Window* window = Lookup(handle);
-    if (!window)
+    if (!window) {
         return;
+    }
     window->firstShowPending = false;
     SendMessageA(handle, WM_SIZE, 0, MAKELPARAM(window->width, window->height));
     window = Lookup(handle);
@@ -116,14 +123,17 @@ void RemoveWindow(HWND handle)
 // Gives up everything that the window holds outside its record.
 void ReleaseWindow(Window& window)
 {
-    if (user.capture == window.handle)
+    if (user.capture == window.handle) {
         ReleaseCapture();
+    }
     DropMessagesOf(window.handle);
     window.visible = false;
-    if (window.kind == scrollBarWindow)
+    if (window.kind == scrollBarWindow) {
         SyncScrollBar(window);
-    if (window.hostWindow)
+    }
+    if (window.hostWindow) {
         host->destroyWindow(window.hostWindow);
+    }
     window.hostWindow = nullptr;
     ReleasePicture(window);
     DestroyMenuOf(window);
@@ -133,8 +143,9 @@ std::vector<HWND> WindowsBelonging(HWND handle, HWND Window::*relation)
 {
     std::vector<HWND> found;
     for (const std::unique_ptr<Window>& window : user.windows) {
-        if ((*window).*relation == handle)
+        if ((*window).*relation == handle) {
             found.push_back(window->handle);
+        }
     }
     return found;
 }
@@ -143,11 +154,13 @@ std::vector<HWND> WindowsBelonging(HWND handle, HWND Window::*relation)
 
 Window* Lookup(HWND handle)
 {
-    if (!handle)
+    if (!handle) {
         return nullptr;
+    }
     for (const std::unique_ptr<Window>& window : user.windows) {
-        if (window->handle == handle)
+        if (window->handle == handle) {
             return window.get();
+        }
     }
     return nullptr;
 }
@@ -155,8 +168,9 @@ Window* Lookup(HWND handle)
 Window* LookupBar(const HostScrollBar* bar)
 {
     for (const std::unique_ptr<Window>& window : user.windows) {
-        if (bar && window->hostBar == bar)
+        if (bar && window->hostBar == bar) {
             return window.get();
+        }
     }
     return nullptr;
 }
@@ -169,8 +183,9 @@ bool IsTopLevel(const Window& window)
 Window* FirstFramedWindow()
 {
     for (const std::unique_ptr<Window>& window : user.windows) {
-        if (window->kind == framedWindow && !window->destroying)
+        if (window->kind == framedWindow && !window->destroying) {
             return window.get();
+        }
     }
     return nullptr;
 }
@@ -206,8 +221,9 @@ ATOM WINAPI RegisterClassExA(const WNDCLASSEXA* record)
 BOOL WINAPI GetClassInfoA(HINSTANCE, LPCSTR name, WNDCLASSA* record)
 {
     const WindowClass* found = FindClass(name);
-    if (!found || !record)
+    if (!found || !record) {
         return FALSE;
+    }
     const WNDCLASSEXA& from = found->record;
     *record = {from.style, from.lpfnWndProc, from.cbClsExtra,    from.cbWndExtra,   from.hInstance,
                from.hIcon, from.hCursor,     from.hbrBackground, from.lpszMenuName, from.lpszClassName};
@@ -218,8 +234,9 @@ HWND WINAPI CreateWindowExA(DWORD, LPCSTR className, LPCSTR title, DWORD style, 
                             HWND parent, HMENU menuOrId, HINSTANCE, LPVOID parameter)
 {
     const WindowClass* windowClass = FindClass(className);
-    if (!windowClass && className && !IsNumber(className) && strcasecmp(className, "SCROLLBAR") == 0)
+    if (!windowClass && className && !IsNumber(className) && strcasecmp(className, "SCROLLBAR") == 0) {
         windowClass = ScrollBarClass();
+    }
     if (!windowClass || !host) {
         SetLastError(ERROR_INVALID_HANDLE);
         return nullptr;
@@ -274,14 +291,17 @@ HWND WINAPI CreateWindowExA(DWORD, LPCSTR className, LPCSTR title, DWORD style, 
 
     // The leading fields of the CREATESTRUCT that Windows sends: only the creation parameter is of use here.
     const LPVOID createParameters[1] = {parameter};
-    if (SendMessageA(handle, WM_CREATE, 0, reinterpret_cast<LPARAM>(createParameters)) == -1)
+    if (SendMessageA(handle, WM_CREATE, 0, reinterpret_cast<LPARAM>(createParameters)) == -1) {
         DestroyWindow(handle);
+    }
     Window* alive = Lookup(handle);
-    if (alive && !alive->firstShowPending)
+    if (alive && !alive->firstShowPending) {
         SendSizeAndMove(handle);
+    }
     alive = Lookup(handle);
-    if (alive && (style & WS_VISIBLE))
+    if (alive && (style & WS_VISIBLE)) {
         ShowWindow(handle, SW_SHOWNORMAL);
+    }
     return Lookup(handle) ? handle : nullptr;
 }
 
@@ -293,21 +313,24 @@ BOOL WINAPI DestroyWindow(HWND handle)
         return FALSE;
     }
     window->destroying = true;
-    for (HWND owned : WindowsBelonging(handle, &Window::owner))
+    for (HWND owned : WindowsBelonging(handle, &Window::owner)) {
         DestroyWindow(owned);
+    }
     window = Lookup(handle);
     if (window->visible && window->hostWindow) {
         host->showWindow(window->hostWindow, hostHide);
         window->visible = false;
     }
     SendMessageA(handle, WM_DESTROY, 0, 0);
-    for (HWND child : WindowsBelonging(handle, &Window::parent))
+    for (HWND child : WindowsBelonging(handle, &Window::parent)) {
         DestroyWindow(child);
+    }
     SendMessageA(handle, WM_NCDESTROY, 0, 0);
     ReleaseWindow(*Lookup(handle));
     RemoveWindow(handle);
-    if (user.foreground == handle)
+    if (user.foreground == handle) {
         SetForeground(user.programActive ? GetTopWindow(nullptr) : nullptr);
+    }
     return TRUE;
 }
 
@@ -325,22 +348,26 @@ BOOL WINAPI IsWindowVisible(HWND handle)
 BOOL WINAPI SetWindowTextA(HWND handle, LPCSTR text)
 {
     Window* window = Lookup(handle);
-    if (!window)
+    if (!window) {
         return FALSE;
+    }
     window->title = text ? text : "";
-    if (window->hostWindow)
+    if (window->hostWindow) {
         host->setTitle(window->hostWindow, window->title.c_str());
+    }
     return TRUE;
 }
 
 int WINAPI GetWindowTextA(HWND handle, LPSTR buffer, int size)
 {
-    if (!buffer || size <= 0)
+    if (!buffer || size <= 0) {
         return 0;
+    }
     const Window* window = Lookup(handle);
     size_t length = window ? std::min(window->title.size(), static_cast<size_t>(size) - 1) : 0;
-    if (window)
+    if (window) {
         memcpy(buffer, window->title.data(), length);
+    }
     buffer[length] = 0;
     return static_cast<int>(length);
 }
@@ -349,8 +376,9 @@ LONG_PTR WINAPI GetWindowLongPtrA(HWND handle, int index)
 {
     const Window* window = Lookup(handle);
     LONG_PTR value = 0;
-    if (window && index >= 0 && static_cast<size_t>(index) + sizeof value <= window->extra.size())
+    if (window && index >= 0 && static_cast<size_t>(index) + sizeof value <= window->extra.size()) {
         memcpy(&value, window->extra.data() + index, sizeof value);
+    }
     return value;
 }
 
@@ -358,16 +386,18 @@ LONG_PTR WINAPI SetWindowLongPtrA(HWND handle, int index, LONG_PTR value)
 {
     Window* window = Lookup(handle);
     LONG_PTR previous = GetWindowLongPtrA(handle, index);
-    if (window && index >= 0 && static_cast<size_t>(index) + sizeof value <= window->extra.size())
+    if (window && index >= 0 && static_cast<size_t>(index) + sizeof value <= window->extra.size()) {
         memcpy(window->extra.data() + index, &value, sizeof value);
+    }
     return previous;
 }
 
 BOOL WINAPI ShowWindow(HWND handle, int how)
 {
     Window* window = Lookup(handle);
-    if (!window || window->destroying)
+    if (!window || window->destroying) {
         return FALSE;
+    }
     const BOOL wasVisible = window->visible;
     const bool show = how != SW_HIDE;
     window->visible = show;
@@ -375,28 +405,33 @@ BOOL WINAPI ShowWindow(HWND handle, int how)
         SyncScrollBar(*window);
         return wasVisible;
     }
-    if (!window->hostWindow || (!show && !wasVisible))
+    if (!window->hostWindow || (!show && !wasVisible)) {
         return wasVisible;
+    }
     const bool activate = how != SW_SHOWNOACTIVATE;
     if (!show) {
         host->showWindow(window->hostWindow, hostHide);
-        if (user.foreground == handle)
+        if (user.foreground == handle) {
             SetForeground(user.programActive ? GetTopWindow(nullptr) : nullptr);
+        }
         return wasVisible;
     }
     if (!wasVisible) {
         // The picture is there before the window is, so that nothing else ever shows in it.
         window->picture.dirty = ClientBox(*window);
         InvalidateArea(*window, ClientBox(*window), true);
-        if (activate || window->kind == popupWindow)
+        if (activate || window->kind == popupWindow) {
             Raise(*window);
+        }
     }
     host->showWindow(window->hostWindow, activate ? hostShowActive : hostShowInactive);
-    if (activate && window->kind == framedWindow)
+    if (activate && window->kind == framedWindow) {
         SetForeground(handle);
+    }
     PresentAll();
-    if (window->firstShowPending)
+    if (window->firstShowPending) {
         SendSizeAndMove(handle);
+    }
     HandleHostGeometry(handle);
     UpdateSizeLimits();
     return wasVisible;
@@ -409,8 +444,9 @@ void Raise(Window& window)
     std::vector<HWND> owned;
     for (HWND other : user.zOrder) {
         const Window* record = Lookup(other);
-        if (record && record->owner == handle)
+        if (record && record->owner == handle) {
             owned.push_back(other);
+        }
     }
     std::erase_if(user.zOrder, [&](HWND other) {
         return other == handle || std::find(owned.begin(), owned.end(), other) != owned.end();
@@ -428,8 +464,9 @@ HWND WINAPI GetTopWindow(HWND parent)
 {
     for (HWND handle : user.zOrder) {
         const Window* window = Lookup(handle);
-        if (!parent && window && window->visible && !window->destroying)
+        if (!parent && window && window->visible && !window->destroying) {
             return handle;
+        }
     }
     return nullptr;
 }
@@ -443,8 +480,9 @@ HWND WINAPI SetCapture(HWND handle)
 {
     HWND previous = user.capture;
     const Window* window = Lookup(handle);
-    if (!window || !window->hostWindow)
+    if (!window || !window->hostWindow) {
         return previous;
+    }
     user.capture = handle;
     host->capturePointer(window->hostWindow);
     return previous;

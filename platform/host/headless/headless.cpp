@@ -1,12 +1,12 @@
 #include "platform/host/headless/headless.h"
 
+#include "platform/host/headless/headless_internal.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <deque>
-
-#include "platform/host/headless/headless_internal.h"
 
 HeadlessState headless;
 
@@ -41,8 +41,9 @@ bool Contains(const HostRect& rect, int x, int y)
 void UpdateFrame(HeadlessWindow* window)
 {
     window->frame = window->client;
-    if (window->kind != hostFramedWindow)
+    if (window->kind != hostFramedWindow) {
         return;
+    }
     window->frame.left -= border;
     window->frame.right += border;
     window->frame.bottom += border;
@@ -51,8 +52,9 @@ void UpdateFrame(HeadlessWindow* window)
 
 uint32_t PicturePixel(const HeadlessWindow* window, int x, int y)
 {
-    if (!window->picture || x >= window->pictureWidth || y >= window->pictureHeight)
+    if (!window->picture || x >= window->pictureWidth || y >= window->pictureHeight) {
         return behindPicture;
+    }
     return window->picture[static_cast<size_t>(y) * static_cast<size_t>(window->pictureStride) +
                            static_cast<size_t>(x)] &
            0x00FFFFFF;
@@ -67,9 +69,10 @@ void CopyPicture(HeadlessWindow* window, HostRect part)
     part.right = std::min(part.right, width);
     part.bottom = std::min(part.bottom, height);
     for (int y = part.top; y < part.bottom; y++) {
-        for (int x = part.left; x < part.right; x++)
+        for (int x = part.left; x < part.right; x++) {
             window->shown[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)] =
                 PicturePixel(window, x, y);
+        }
     }
 }
 
@@ -94,23 +97,27 @@ void DestroyWindow(HostWindow* handle)
     std::erase_if(events, [window](const HostEvent& event) { return event.token == window->token; });
     std::erase(headless.windows, window);
     std::erase_if(headless.bars, [handle](HeadlessBar* bar) {
-        if (bar->parent != handle)
+        if (bar->parent != handle) {
             return false;
+        }
         delete bar;
         return true;
     });
-    if (headless.captured == handle)
+    if (headless.captured == handle) {
         headless.captured = nullptr;
-    if (window->hasMenu)
+    }
+    if (window->hasMenu) {
         headless.menuItems.clear();
+    }
     ForgetPress(window);
     delete window;
 }
 
 void Stop()
 {
-    while (!headless.windows.empty())
+    while (!headless.windows.empty()) {
         DestroyWindow(headless.windows.back()->handle);
+    }
     events.clear();
     headless.started = 0;
 }
@@ -123,8 +130,9 @@ void ScreenSize(int* width, int* height)
 
 int NextEvent(HostEvent* event)
 {
-    if (events.empty())
+    if (events.empty()) {
         return 0;
+    }
     *event = events.front();
     events.pop_front();
     return 1;
@@ -135,8 +143,9 @@ void PutOnTop(HeadlessWindow* window)
 {
     std::erase(headless.windows, window);
     auto place = headless.windows.begin();
-    while (window->kind == hostFramedWindow && place != headless.windows.end() && (*place)->kind == hostPopupWindow)
+    while (window->kind == hostFramedWindow && place != headless.windows.end() && (*place)->kind == hostPopupWindow) {
         ++place;
+    }
     headless.windows.insert(place, window);
 }
 
@@ -165,10 +174,12 @@ HostWindow* CreateWindow(const HostWindowRequest* request, void* token)
 void PlaceWindow(HostWindow* handle, int left, int top, int clientWidth, int clientHeight)
 {
     HeadlessWindow* window = FromHandle(handle);
-    if (clientWidth != 0 || clientHeight != 0)
+    if (clientWidth != 0 || clientHeight != 0) {
         SetClientSize(window, clientWidth, clientHeight);
-    if (left != hostDefaultPlace && top != hostDefaultPlace)
+    }
+    if (left != hostDefaultPlace && top != hostDefaultPlace) {
         SetFramePlace(window, left, top);
+    }
 }
 
 void ShowWindow(HostWindow* handle, int how)
@@ -177,13 +188,15 @@ void ShowWindow(HostWindow* handle, int how)
     const bool wasVisible = window->visible;
     window->visible = how != hostHide;
     if (!window->visible) {
-        if (headless.captured == handle)
+        if (headless.captured == handle) {
             headless.captured = nullptr;
+        }
         ForgetPress(window);
         return;
     }
-    if (wasVisible)
+    if (wasVisible) {
         return;
+    }
     ShowAll(window);
     PutOnTop(window);
     if (window->kind == hostFramedWindow && how == hostShowActive) {
@@ -239,8 +252,9 @@ void SetPicture(HostWindow* handle, const uint32_t* pixels, int width, int heigh
 void Present(HostWindow* handle, const HostRect* part)
 {
     HeadlessWindow* window = FromHandle(handle);
-    if (!window->visible)
+    if (!window->visible) {
         return;
+    }
     window->presentCount++;
     headless.presentCount++;
     CopyPicture(window, *part);
@@ -249,11 +263,13 @@ void Present(HostWindow* handle, const HostRect* part)
 void BuildMenu(HostWindow* handle, const HostMenuItem* items, int count)
 {
     HeadlessWindow* window = FromHandle(handle);
-    if (window->kind != hostFramedWindow || window->hasMenu)
+    if (window->kind != hostFramedWindow || window->hasMenu) {
         return;
+    }
     const HostRect place = window->frame;
-    for (int i = 0; i < count; i++)
+    for (int i = 0; i < count; i++) {
         headless.menuItems.push_back({items[i].menu, items[i].item, items[i].command, items[i].text, 1, 0});
+    }
     window->hasMenu = 1;
     SetFramePlace(window, place.left, place.top);
 }
@@ -332,16 +348,18 @@ void SetCursor(int kind, const HostImage* image, int hotX, int hotY)
     headless.cursorHotY = hotY;
     headless.cursorChanges++;
     headless.cursorPixels.clear();
-    if (kind == hostCursorImage)
+    if (kind == hostCursorImage) {
         headless.cursorPixels.assign(image->pixels,
                                      image->pixels + static_cast<std::ptrdiff_t>(image->width) * image->height);
+    }
 }
 
 void ShowOutline(const HostSegment* segments, int count)
 {
     headless.outline.assign(segments, segments + count);
-    if (count > 0)
+    if (count > 0) {
         headless.outlineChanges++;
+    }
 }
 
 int ChooseFile(const HostFileRequest* request, char* path, int size)
@@ -350,8 +368,9 @@ int ChooseFile(const HostFileRequest* request, char* path, int size)
     const bool chosen = TakeFileAnswer(&answer);
     headless.fileDialogs.push_back({request->title, request->filterText, request->filterPattern,
                                     request->folder ? request->folder : "", answer});
-    if (!chosen || size <= 0 || answer.size() >= static_cast<size_t>(size))
+    if (!chosen || size <= 0 || answer.size() >= static_cast<size_t>(size)) {
         return 0;
+    }
     std::memcpy(path, answer.c_str(), answer.size() + 1);
     return 1;
 }
@@ -393,8 +412,9 @@ uint32_t WindowPixel(const HeadlessWindow* window, int x, int y)
     const int column = x - window->client.left;
     const int row = y - window->client.top;
     for (const HeadlessBar* bar : headless.bars) {
-        if (bar->parent == window->handle && Contains(bar->place, column, row))
+        if (bar->parent == window->handle && Contains(bar->place, column, row)) {
             return barColour;
+        }
     }
     const size_t width = static_cast<size_t>(window->client.right - window->client.left);
     return window->shown[static_cast<size_t>(row) * width + static_cast<size_t>(column)];
@@ -425,14 +445,17 @@ HeadlessWindow* WindowUnderPointer()
     const int x = headless.pointer.x;
     const int y = headless.pointer.y;
     for (HeadlessWindow* window : headless.windows) {
-        if (!window->visible || !Contains(window->frame, x, y))
+        if (!window->visible || !Contains(window->frame, x, y)) {
             continue;
-        if (!Contains(window->client, x, y))
+        }
+        if (!Contains(window->client, x, y)) {
             return nullptr; // the frame is the window manager's, the menu bar the host's
+        }
         for (const HeadlessBar* bar : headless.bars) {
             if (bar->parent == window->handle &&
-                Contains(bar->place, x - window->client.left, y - window->client.top))
+                Contains(bar->place, x - window->client.left, y - window->client.top)) {
                 return nullptr;
+            }
         }
         return window;
     }
@@ -442,8 +465,9 @@ HeadlessWindow* WindowUnderPointer()
 HeadlessWindow* FirstFrame()
 {
     for (auto window = headless.windows.rbegin(); window != headless.windows.rend(); ++window) {
-        if ((*window)->kind == hostFramedWindow)
+        if ((*window)->kind == hostFramedWindow) {
             return *window;
+        }
     }
     return nullptr;
 }
@@ -451,11 +475,13 @@ HeadlessWindow* FirstFrame()
 HeadlessWindow* KeyboardWindow()
 {
     HeadlessWindow* frame = FirstFrame();
-    if (frame && frame->visible)
+    if (frame && frame->visible) {
         return frame;
+    }
     for (HeadlessWindow* window : headless.windows) {
-        if (window->visible)
+        if (window->visible) {
             return window;
+        }
     }
     return nullptr;
 }
@@ -464,8 +490,9 @@ void SetClientSize(HeadlessWindow* window, int width, int height)
 {
     const int right = window->client.left + std::max(width, 1);
     const int bottom = window->client.top + std::max(height, 1);
-    if (window->client.right == right && window->client.bottom == bottom)
+    if (window->client.right == right && window->client.bottom == bottom) {
         return;
+    }
     window->client.right = right;
     window->client.bottom = bottom;
     UpdateFrame(window);
@@ -496,8 +523,9 @@ using namespace headlesshost;
 void HeadlessReset(int screenWidth, int screenHeight)
 {
     headlesshost::Stop();
-    for (HeadlessBar* bar : headless.bars)
+    for (HeadlessBar* bar : headless.bars) {
         delete bar;
+    }
     headless = {};
     headless.screenWidth = screenWidth;
     headless.screenHeight = screenHeight;
@@ -513,8 +541,9 @@ const HeadlessWindow* HeadlessFrame()
 const HeadlessWindow* HeadlessPopup()
 {
     for (const HeadlessWindow* window : headless.windows) {
-        if (window->kind == hostPopupWindow && window->visible)
+        if (window->kind == hostPopupWindow && window->visible) {
             return window;
+        }
     }
     return nullptr;
 }
@@ -528,8 +557,9 @@ ScriptPoint HeadlessClientOrigin()
 const HeadlessMenuItem* HeadlessMenuCommand(int command)
 {
     for (const HeadlessMenuItem& item : headless.menuItems) {
-        if (item.item >= 0 && item.command == command && command != 0)
+        if (item.item >= 0 && item.command == command && command != 0) {
             return &item;
+        }
     }
     return nullptr;
 }
@@ -537,8 +567,9 @@ const HeadlessMenuItem* HeadlessMenuCommand(int command)
 const HeadlessMenuItem* HeadlessMenuTitle(int menu)
 {
     for (const HeadlessMenuItem& item : headless.menuItems) {
-        if (item.item < 0 && item.menu == menu)
+        if (item.item < 0 && item.menu == menu) {
             return &item;
+        }
     }
     return nullptr;
 }
@@ -546,8 +577,9 @@ const HeadlessMenuItem* HeadlessMenuTitle(int menu)
 const HeadlessBar* HeadlessScrollBar(int vertical)
 {
     for (const HeadlessBar* bar : headless.bars) {
-        if ((bar->vertical != 0) == (vertical != 0))
+        if ((bar->vertical != 0) == (vertical != 0)) {
             return bar;
+        }
     }
     return nullptr;
 }
@@ -562,8 +594,9 @@ uint32_t HeadlessPixel(int x, int y)
         }
     }
     for (const HostSegment& segment : headless.outline) {
-        if (OnSegment(segment, x, y))
+        if (OnSegment(segment, x, y)) {
             return ~colour & 0x00FFFFFF;
+        }
     }
     return colour;
 }
@@ -571,14 +604,16 @@ uint32_t HeadlessPixel(int x, int y)
 int HeadlessScreenshot(const char* path)
 {
     std::FILE* file = std::fopen(path, "wb");
-    if (!file)
+    if (!file) {
         return 1;
+    }
     std::fprintf(file, "P6\n%d %d\n255\n", headless.screenWidth, headless.screenHeight);
     for (int y = 0; y < headless.screenHeight; y++) {
         for (int x = 0; x < headless.screenWidth; x++) {
             const uint32_t colour = HeadlessPixel(x, y);
-            for (int shift : {16, 8, 0})
+            for (int shift : {16, 8, 0}) {
                 std::fputc(static_cast<int>(colour >> shift & 0xFF), file);
+            }
         }
     }
     const bool failed = std::ferror(file) != 0;

@@ -8,12 +8,12 @@
 // the script are screen coordinates.
 #pragma once
 
+#include "platform/host/host.h"
+
 #include <functional>
 #include <initializer_list>
 #include <string>
 #include <vector>
-
-#include "platform/host/host.h"
 
 extern const Host headlessHost;
 

@@ -1,11 +1,11 @@
+#include "platform/host/headless/headless_internal.h"
+
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <deque>
 #include <optional>
-
-#include "platform/host/headless/headless_internal.h"
 
 namespace headlesshost {
 namespace {
@@ -81,19 +81,24 @@ int CharacterOf(int virtualKey, unsigned modifiers)
     const bool shift = modifiers & hostShift;
     const bool letter = virtualKey >= 'A' && virtualKey <= 'Z';
     if (modifiers & hostControl) {
-        if (letter)
+        if (letter) {
             return virtualKey - 'A' + 1;
+        }
         return virtualKey == keyReturn ? 10 : virtualKey == keyEscape ? 27 : virtualKey == keySpace ? 32 : 0;
     }
-    if (letter)
+    if (letter) {
         return shift ? virtualKey : virtualKey - 'A' + 'a';
-    if (virtualKey == keyBack || virtualKey == keyTab || virtualKey == keyReturn || virtualKey == keyEscape)
+    }
+    if (virtualKey == keyBack || virtualKey == keyTab || virtualKey == keyReturn || virtualKey == keyEscape) {
         return virtualKey;
-    if (virtualKey == keyAdd)
+    }
+    if (virtualKey == keyAdd) {
         return '+';
+    }
     for (const KeyRow& row : keyTable) {
-        if (row.virtualKey == virtualKey)
+        if (row.virtualKey == virtualKey) {
             return shift ? row.shifted : row.plain;
+        }
     }
     return 0;
 }
@@ -107,13 +112,15 @@ void Append(int delay, std::function<void()> act)
         script.steps.insert(script.steps.begin() + static_cast<std::ptrdiff_t>(script.insertAt),
                             {before + wait, std::move(act)});
         script.insertAt++;
-        for (size_t i = script.insertAt; i < script.steps.size(); i++)
+        for (size_t i = script.insertAt; i < script.steps.size(); i++) {
             script.steps[i].due += wait;
+        }
         script.lastDue = script.steps.back().due;
         return;
     }
-    if (script.steps.empty() && script.lastDue < headless.now)
+    if (script.steps.empty() && script.lastDue < headless.now) {
         script.lastDue = headless.now;
+    }
     script.lastDue += wait;
     script.steps.push_back({script.lastDue, std::move(act)});
 }
@@ -121,10 +128,12 @@ void Append(int delay, std::function<void()> act)
 // A captured pointer belongs to the captor, a held one to the window that got the press.
 HeadlessWindow* PointerTarget()
 {
-    if (headless.captured)
+    if (headless.captured) {
         return reinterpret_cast<HeadlessWindow*>(headless.captured);
-    if (headless.buttons != 0 && script.pressed)
+    }
+    if (headless.buttons != 0 && script.pressed) {
         return script.pressed;
+    }
     return headless.buttons == script.delivered ? WindowUnderPointer() : nullptr;
 }
 
@@ -133,8 +142,9 @@ void PressButton(int button)
     const unsigned mask = static_cast<unsigned>(button);
     HeadlessWindow* target = PointerTarget();
     headless.buttons |= mask;
-    if (!target)
+    if (!target) {
         return;
+    }
     script.pressed = target;
     script.delivered |= mask;
     HostEvent event = EventOfNow(hostPointerDown, target);
@@ -146,8 +156,9 @@ void ReleaseButtons()
 {
     for (int button : {hostLeftButton, hostRightButton}) {
         const unsigned mask = static_cast<unsigned>(button);
-        if (!(headless.buttons & mask))
+        if (!(headless.buttons & mask)) {
             continue;
+        }
         const HeadlessWindow* target = PointerTarget();
         headless.buttons &= ~mask;
         if (target && (script.delivered & mask)) {
@@ -163,13 +174,15 @@ void ReleaseButtons()
 void KeyTo(int virtualKey, bool down)
 {
     const unsigned modifier = static_cast<unsigned>(ModifierOf(virtualKey));
-    if (down)
+    if (down) {
         headless.modifiers |= modifier;
-    else
+    } else {
         headless.modifiers &= ~modifier;
+    }
     const HeadlessWindow* window = KeyboardWindow();
-    if (!window)
+    if (!window) {
         return;
+    }
     HostEvent event = EventOfNow(down ? hostKeyDown : hostKeyUp, window);
     event.key = virtualKey;
     event.character = down ? CharacterOf(virtualKey, headless.modifiers) : 0;
@@ -192,16 +205,18 @@ void ChooseCommand(int command)
 
 int Bounded(int value, int minimum, int maximum)
 {
-    if (maximum > 0 && value > maximum)
+    if (maximum > 0 && value > maximum) {
         value = maximum;
+    }
     return value < minimum ? minimum : value;
 }
 
 void ResizeByUser(int width, int height)
 {
     HeadlessWindow* window = FirstFrame();
-    if (!window)
+    if (!window) {
         return;
+    }
     SetClientSize(window, Bounded(width, window->minWidth, window->maxWidth),
                   Bounded(height, window->minHeight, window->maxHeight));
     QueueEvent(EventOfNow(hostGeometry, window));
@@ -211,8 +226,9 @@ void RunStep()
 {
     Step step = std::move(script.steps.front());
     script.steps.pop_front();
-    if (headless.now < step.due)
+    if (headless.now < step.due) {
         headless.now = step.due;
+    }
     script.idleWaits = 0;
     script.closeRequests = 0;
     script.idleLooks = 0;
@@ -232,13 +248,16 @@ void RunStep()
 // Nothing is left to happen: the user loses patience and closes the window.
 void IdleWait()
 {
-    if (++script.idleWaits < waitsBeforeClose)
+    if (++script.idleWaits < waitsBeforeClose) {
         return;
+    }
     script.idleWaits = 0;
-    if (script.closeRequests++ >= closeRequestLimit)
+    if (script.closeRequests++ >= closeRequestLimit) {
         EndStuckProgram("still waits for events after 20 requests to close");
-    if (const HeadlessWindow* frame = FirstFrame())
+    }
+    if (const HeadlessWindow* frame = FirstFrame()) {
         QueueEvent(EventOfNow(hostCloseRequest, frame));
+    }
 }
 
 } // namespace
@@ -251,17 +270,20 @@ void ResetScript()
 void Advance(uint32_t milliseconds)
 {
     const uint32_t until = headless.now + milliseconds;
-    while (!script.steps.empty() && script.steps.front().due <= until)
+    while (!script.steps.empty() && script.steps.front().due <= until) {
         RunStep();
-    if (headless.now < until)
+    }
+    if (headless.now < until) {
         headless.now = until;
+    }
 }
 
 void Look()
 {
     script.stillPumps = 0;
-    if (script.steps.empty() && ++script.idleLooks > looksBeforeEnd)
+    if (script.steps.empty() && ++script.idleLooks > looksBeforeEnd) {
         EndStuckProgram("still polls the devices");
+    }
     Advance(1);
 }
 
@@ -269,12 +291,14 @@ void Pump(int waitMilliseconds)
 {
     script.idleLooks = 0;
     Advance(0);
-    if (EventsWaiting())
+    if (EventsWaiting()) {
         return;
+    }
     if (waitMilliseconds <= 0) {
         // A loop that only pumps would stop the clock for ever.
-        if (++script.stillPumps <= stillPumpsBeforeTick)
+        if (++script.stillPumps <= stillPumpsBeforeTick) {
             return;
+        }
         waitMilliseconds = 1;
     } else {
         script.stillPumps = 0;
@@ -291,23 +315,27 @@ void Pump(int waitMilliseconds)
 
 void ForgetPress(const HeadlessWindow* window)
 {
-    if (script.pressed == window)
+    if (script.pressed == window) {
         script.pressed = nullptr;
+    }
 }
 
 void MovePointer(int x, int y)
 {
-    if (headless.pointer.x == x && headless.pointer.y == y)
+    if (headless.pointer.x == x && headless.pointer.y == y) {
         return;
+    }
     headless.pointer = {x, y};
-    if (const HeadlessWindow* window = PointerTarget())
+    if (const HeadlessWindow* window = PointerTarget()) {
         QueueEvent(EventOfNow(hostPointerMove, window));
+    }
 }
 
 bool TakeFileAnswer(std::string* path)
 {
-    if (script.files.empty())
+    if (script.files.empty()) {
         return false;
+    }
     const std::optional<std::string> answer = script.files.front();
     script.files.pop_front();
     *path = answer.value_or("");
@@ -346,10 +374,11 @@ void ScriptDrag(std::initializer_list<ScriptPoint> points, int delay)
 {
     bool pressed = false;
     for (const ScriptPoint& point : points) {
-        if (pressed)
+        if (pressed) {
             ScriptMove(point.x, point.y, delay);
-        else
+        } else {
             ScriptPress(point.x, point.y, hostLeftButton, delay);
+        }
         pressed = true;
     }
     ScriptRelease(delay);
@@ -360,10 +389,12 @@ void ScriptWheel(int delta, int delay)
     Append(delay, [=] {
         // Over a scroll bar, too, the wheel is the window's.
         HeadlessWindow* window = WindowUnderPointer();
-        if (!window)
+        if (!window) {
             window = FirstFrame();
-        if (!window)
+        }
+        if (!window) {
             return;
+        }
         HostEvent event = EventOfNow(hostWheel, window);
         event.delta = delta;
         QueueEvent(event);
@@ -411,11 +442,13 @@ void ScriptText(const char* text, int delay)
                 shift = row.plain != character;
             }
         }
-        if (shift)
+        if (shift) {
             ScriptKeyDown(keyShift, delay);
+        }
         ScriptKey(key, delay);
-        if (shift)
+        if (shift) {
             ScriptKeyUp(keyShift, delay);
+        }
     }
 }
 
@@ -442,8 +475,9 @@ void ScriptMoveFrame(int left, int top, int delay)
 void ScriptClose(int delay)
 {
     Append(delay, [] {
-        if (const HeadlessWindow* window = FirstFrame())
+        if (const HeadlessWindow* window = FirstFrame()) {
             QueueEvent(EventOfNow(hostCloseRequest, window));
+        }
     });
 }
 
@@ -460,8 +494,9 @@ void ScriptScroll(int vertical, int code, int position, int delay)
 {
     Append(delay, [=] {
         const HeadlessBar* bar = HeadlessScrollBar(vertical);
-        if (!bar)
+        if (!bar) {
             return;
+        }
         HostEvent event = EventOfNow(hostScroll, FirstFrame());
         event.bar = bar->bar;
         event.code = code;

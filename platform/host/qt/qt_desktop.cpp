@@ -1,4 +1,7 @@
 // The file dialog, the document opener and the bell.
+#include "platform/host/qt/qt_internal.h"
+#include "platform/host/qt/qt_server.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QFile>
@@ -8,11 +11,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTreeView>
-
 #include <cstring>
-
-#include "platform/host/qt/qt_internal.h"
-#include "platform/host/qt/qt_server.h"
 
 namespace qthost {
 
@@ -28,10 +27,11 @@ class OpenDialog : public QFileDialog {
     void accept() override
     {
         const QStringList names = selectedFiles();
-        if (names.size() == 1 && !QFileInfo::exists(names.front()))
+        if (names.size() == 1 && !QFileInfo::exists(names.front())) {
             done(Accepted);
-        else
+        } else {
             QFileDialog::accept();
+        }
     }
 };
 
@@ -43,26 +43,31 @@ int ChooseFile(const HostFileRequest* request, char* path, int size)
     QWidget* owner = request->owner ? FromHandle(request->owner)->top : nullptr;
     QString filter = QString::fromUtf8(request->filterText ? request->filterText : "");
     const QString pattern = QString::fromUtf8(request->filterPattern ? request->filterPattern : "*");
-    if (!filter.contains(QLatin1Char('(') + pattern + QLatin1Char(')')))
+    if (!filter.contains(QLatin1Char('(') + pattern + QLatin1Char(')'))) {
         filter += QStringLiteral(" (%1)").arg(pattern);
+    }
 
     OpenDialog dialog(owner, QString::fromUtf8(request->title ? request->title : ""),
                       QFile::decodeName(request->folder ? request->folder : ""));
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setNameFilter(filter);
-    if (auto* list = dialog.findChild<QTreeView*>())
+    if (auto* list = dialog.findChild<QTreeView*>()) {
         list->header()->setSectionResizeMode(QHeaderView::ResizeToContents); // nothing elided
+    }
     const bool accepted = dialog.exec() == QDialog::Accepted;
     dialog.hide();
-    if (owner)
+    if (owner) {
         owner->activateWindow(); // where no window manager hands the focus back
+    }
     const QStringList files = dialog.selectedFiles();
-    if (!accepted || files.isEmpty())
+    if (!accepted || files.isEmpty()) {
         return 0;
+    }
     const QByteArray name = QFile::encodeName(QDir::cleanPath(files.front()));
-    if (name.size() >= size)
+    if (name.size() >= size) {
         return 0;
+    }
     std::memcpy(path, name.constData(), static_cast<size_t>(name.size()) + 1);
     return 1;
 }
@@ -76,8 +81,9 @@ void Beep()
 int OpenDocument(const char* path)
 {
     const QString opener = QStandardPaths::findExecutable(QStringLiteral("xdg-open"));
-    if (opener.isEmpty())
+    if (opener.isEmpty()) {
         return 1;
+    }
     return QProcess::startDetached(opener, {QFile::decodeName(path)}) ? 0 : 1;
 }
 

@@ -1,22 +1,21 @@
 #include "platform/host/qt/qt_host.h"
 
+#include "platform/host/qt/qt_internal.h"
+#include "platform/host/qt/qt_server.h"
+#include "platform/host/qt/sound_pulse.h"
+
 #include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QPalette>
 #include <QProxyStyle>
 #include <QScreen>
 #include <QTimer>
-
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <deque>
 #include <langinfo.h>
-
-#include "platform/host/qt/qt_internal.h"
-#include "platform/host/qt/qt_server.h"
-#include "platform/host/qt/sound_pulse.h"
 
 namespace qthost {
 
@@ -37,8 +36,9 @@ class Style : public QProxyStyle {
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* answer) const override
     {
-        if (hint == SH_MenuBar_AltKeyNavigation || hint == SH_ScrollBar_ContextMenu)
+        if (hint == SH_MenuBar_AltKeyNavigation || hint == SH_ScrollBar_ContextMenu) {
             return 0;
+        }
         return QProxyStyle::styleHint(hint, option, widget, answer);
     }
 };
@@ -63,23 +63,27 @@ void SetLook()
 
 void KeepQtQuiet(QtMsgType type, const QMessageLogContext&, const QString& text)
 {
-    if (type == QtCriticalMsg || type == QtFatalMsg)
+    if (type == QtCriticalMsg || type == QtFatalMsg) {
         std::fprintf(stderr, "kestrel-map-tool: %s\n", qPrintable(text));
+    }
 }
 
 // Qt complains about, and file names suffer from, a locale whose character set is not UTF-8.
 void UseUtf8Locale()
 {
-    if (std::setlocale(LC_ALL, "") == nullptr || std::string_view(nl_langinfo(CODESET)) != "UTF-8")
+    if (std::setlocale(LC_ALL, "") == nullptr || std::string_view(nl_langinfo(CODESET)) != "UTF-8") {
         setenv("LC_ALL", "C.UTF-8", 1);
+    }
 }
 
 void StateChanged(Qt::ApplicationState state)
 {
-    if (state != Qt::ApplicationActive && state != Qt::ApplicationInactive)
+    if (state != Qt::ApplicationActive && state != Qt::ApplicationInactive) {
         return;
-    if (state == Qt::ApplicationInactive)
+    }
+    if (state == Qt::ApplicationInactive) {
         ReleaseHeldKeys();
+    }
     HostEvent event = EventOfNow(hostActivate, windows.empty() ? nullptr : windows.front());
     event.code = state == Qt::ApplicationActive;
     QueueEvent(event);
@@ -120,12 +124,14 @@ int Start()
 
 void Stop()
 {
-    if (!application)
+    if (!application) {
         return;
+    }
     application->disconnect();
     DestroyOutline();
-    while (!windows.empty())
+    while (!windows.empty()) {
         DestroyWindow(ToHandle(windows.back()));
+    }
     ForgetCursor();
     events.clear();
     waitTimer = nullptr; // the application owns it
@@ -144,8 +150,9 @@ void ScreenSize(int* width, int* height)
 
 int NextEvent(HostEvent* event)
 {
-    if (events.empty())
+    if (events.empty()) {
         return 0;
+    }
     *event = events.front();
     events.pop_front();
     return 1;
@@ -172,16 +179,19 @@ HostEvent EventOfNow(int kind, const Window* window)
 void QueueEvent(const HostEvent& event)
 {
     events.push_back(event);
-    if (waiting)
+    if (waiting) {
         QAbstractEventDispatcher::instance()->wakeUp();
+    }
 }
 
 void QueueGeometry(Window* window)
 {
-    if (window->placing)
+    if (window->placing) {
         return;
-    if (!events.empty() && events.back().kind == hostGeometry && events.back().token == window->token)
+    }
+    if (!events.empty() && events.back().kind == hostGeometry && events.back().token == window->token) {
         return;
+    }
     QueueEvent(EventOfNow(hostGeometry, window));
 }
 
@@ -198,13 +208,15 @@ void Pump(int waitMilliseconds)
         QCoreApplication::processEvents(QEventLoop::AllEvents);
         return;
     }
-    if (!events.empty())
+    if (!events.empty()) {
         return;
+    }
     FlushDisplay();
     waiting = true;
     waitTimer->start(waitMilliseconds);
-    while (events.empty() && waitTimer->isActive())
+    while (events.empty() && waitTimer->isActive()) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
     waitTimer->stop();
     waiting = false;
 }

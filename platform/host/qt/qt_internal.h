@@ -6,6 +6,8 @@
 #define QT_NO_KEYWORDS
 #endif
 
+#include "platform/host/host.h"
+
 #include <QImage>
 #include <QKeyEvent>
 #include <QMenu>
@@ -14,10 +16,7 @@
 #include <QRect>
 #include <QScrollBar>
 #include <QWidget>
-
 #include <vector>
-
-#include "platform/host/host.h"
 
 namespace qthost {
 

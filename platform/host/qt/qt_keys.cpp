@@ -63,8 +63,9 @@ const Window* heldIn = nullptr;
 int Find(const KeyRow* rows, size_t count, int qtKey)
 {
     for (size_t i = 0; i < count; i++) {
-        if (rows[i].qtKey == qtKey)
+        if (rows[i].qtKey == qtKey) {
             return rows[i].virtualKey;
+        }
     }
     return 0;
 }
@@ -73,21 +74,27 @@ int VirtualKeyOf(const QKeyEvent* event)
 {
     const int key = event->key();
     if (event->modifiers() & Qt::KeypadModifier) {
-        if (key >= Qt::Key_0 && key <= Qt::Key_9)
+        if (key >= Qt::Key_0 && key <= Qt::Key_9) {
             return keyNumpad0 + key - Qt::Key_0;
-        if (const int found = Find(keypadTable, std::size(keypadTable), key))
+        }
+        if (const int found = Find(keypadTable, std::size(keypadTable), key)) {
             return found;
+        }
     }
-    if ((key >= Qt::Key_A && key <= Qt::Key_Z) || (key >= Qt::Key_0 && key <= Qt::Key_9))
+    if ((key >= Qt::Key_A && key <= Qt::Key_Z) || (key >= Qt::Key_0 && key <= Qt::Key_9)) {
         return key;
-    if (key >= Qt::Key_F1 && key <= Qt::Key_F24)
+    }
+    if (key >= Qt::Key_F1 && key <= Qt::Key_F24) {
         return keyF1 + key - Qt::Key_F1;
-    if (key == Qt::Key_Plus || key == Qt::Key_Equal)
+    }
+    if (key == Qt::Key_Plus || key == Qt::Key_Equal) {
         return keyOemPlus;
+    }
     // "!" and its neighbours belong to the digit that is on their key.
     const int digit = static_cast<int>(event->nativeScanCode()) - firstDigitScanCode;
-    if (digit >= 0 && digit < 10 && !event->text().isEmpty())
+    if (digit >= 0 && digit < 10 && !event->text().isEmpty()) {
         return '0' + (digit + 1) % 10;
+    }
     return Find(keyTable, std::size(keyTable), key);
 }
 
@@ -95,8 +102,9 @@ int VirtualKeyOf(const QKeyEvent* event)
 // example, have none, though X11 has some for them.
 int CharacterWithControl(int virtualKey)
 {
-    if (virtualKey >= 'A' && virtualKey <= 'Z')
+    if (virtualKey >= 'A' && virtualKey <= 'Z') {
         return virtualKey - 'A' + 1;
+    }
     switch (virtualKey) {
     case keyReturn:
         return 10;
@@ -118,12 +126,15 @@ int CharacterWithControl(int virtualKey)
 
 int CharacterOf(const QKeyEvent* event, int virtualKey)
 {
-    if (event->modifiers() & Qt::ControlModifier)
+    if (event->modifiers() & Qt::ControlModifier) {
         return CharacterWithControl(virtualKey);
-    if (virtualKey == keyTab || virtualKey == keyReturn || virtualKey == keyEscape || virtualKey == keyBack)
+    }
+    if (virtualKey == keyTab || virtualKey == keyReturn || virtualKey == keyEscape || virtualKey == keyBack) {
         return virtualKey;
-    if (virtualKey == keyDelete)
+    }
+    if (virtualKey == keyDelete) {
         return 0;
+    }
     const QString text = event->text();
     return text.isEmpty() || text.at(0).unicode() > 0xFF ? 0 : text.at(0).unicode();
 }
@@ -147,12 +158,15 @@ unsigned ModifierOf(int virtualKey)
 unsigned HostModifiersOf(Qt::KeyboardModifiers modifiers)
 {
     unsigned result = 0;
-    if (modifiers & Qt::ShiftModifier)
+    if (modifiers & Qt::ShiftModifier) {
         result |= hostShift;
-    if (modifiers & Qt::ControlModifier)
+    }
+    if (modifiers & Qt::ControlModifier) {
         result |= hostControl;
-    if (modifiers & (Qt::AltModifier | Qt::MetaModifier))
+    }
+    if (modifiers & (Qt::AltModifier | Qt::MetaModifier)) {
         result |= hostAlt;
+    }
     return result;
 }
 
@@ -161,26 +175,30 @@ void QueueKey(Window* window, const QKeyEvent* event)
     const bool down = event->type() == QEvent::KeyPress;
     const unsigned scanCode = event->nativeScanCode() & 0xFF;
     // Qt tells the releases of key repeats only while the next press is already there; the keyboard itself knows.
-    if (!down && (event->isAutoRepeat() || KeyIsDown(scanCode)))
+    if (!down && (event->isAutoRepeat() || KeyIsDown(scanCode))) {
         return;
+    }
     int& held = heldKeys[scanCode];
     HostEvent out = EventOfNow(down ? hostKeyDown : hostKeyUp, window);
     out.modifiers = HostModifiersOf(event->modifiers());
     if (down) {
         out.key = VirtualKeyOf(event);
         out.character = CharacterOf(event, out.key);
-        if (out.key == 0 && out.character == 0)
+        if (out.key == 0 && out.character == 0) {
             return;
-        if (out.key == 0)
+        }
+        if (out.key == 0) {
             out.key = keyPacket;
+        }
         held = out.key;
         heldIn = window;
         // X11 reports the modifiers as they were before the key.
         out.modifiers |= ModifierOf(out.key);
     } else {
         // Layout and Shift may have changed meanwhile, and the press may have gone to a menu or a dialog.
-        if (held == 0)
+        if (held == 0) {
             return;
+        }
         out.key = held;
         held = 0;
         out.modifiers &= ~ModifierOf(out.key);
@@ -191,8 +209,9 @@ void QueueKey(Window* window, const QKeyEvent* event)
 void ReleaseHeldKeys()
 {
     bool windowLives = false;
-    for (const Window* window : windows)
+    for (const Window* window : windows) {
         windowLives = windowLives || window == heldIn;
+    }
     for (int& held : heldKeys) {
         if (held != 0 && windowLives) {
             HostEvent event = EventOfNow(hostKeyUp, heldIn);

@@ -1,7 +1,7 @@
+#include "platform/host/qt/qt_internal.h"
+
 #include <QAction>
 #include <QKeyEvent>
-
-#include "platform/host/qt/qt_internal.h"
 
 namespace qthost {
 namespace {
@@ -31,8 +31,9 @@ void AddItem(Window* window, const HostMenuItem& item)
     const int command = item.command;
     QObject::connect(action, &QAction::triggered, [window, action, command] {
         // Qt has just turned the mark over; it stays as the program set it.
-        if (action->isCheckable())
+        if (action->isCheckable()) {
             action->setChecked(action->data().toBool());
+        }
         HostEvent event = EventOfNow(hostMenuChoice, window);
         event.code = command;
         QueueEvent(event);
@@ -59,18 +60,20 @@ class MenuBar : public QMenuBar {
 void BuildMenu(HostWindow* handle, const HostMenuItem* items, int count)
 {
     Window* window = FromHandle(handle);
-    if (window->kind != hostFramedWindow || window->menuBar)
+    if (window->kind != hostFramedWindow || window->menuBar) {
         return;
+    }
     const QSize client = window->client->size();
     window->menuBar = new MenuBar(window);
     window->menuBar->setNativeMenuBar(false);
     window->menuBar->setContextMenuPolicy(Qt::PreventContextMenu);
     window->menuBar->setFocusPolicy(Qt::NoFocus);
     for (int i = 0; i < count; i++) {
-        if (items[i].item < 0)
+        if (items[i].item < 0) {
             AddTitle(window, items[i].text);
-        else if (!window->menus.empty())
+        } else if (!window->menus.empty()) {
             AddItem(window, items[i]);
+        }
     }
     window->menuHeight = window->menuBar->sizeHint().height();
     SizeClient(window, client.width(), client.height());
@@ -83,8 +86,9 @@ bool OpenMenuWithKey(const QKeyEvent* event)
     const bool first = event->key() == Qt::Key_F10 && event->modifiers() == Qt::NoModifier;
     const bool letter =
         event->modifiers() == Qt::AltModifier && event->key() >= Qt::Key_A && event->key() <= Qt::Key_Z;
-    if ((!first && !letter) || event->isAutoRepeat())
+    if ((!first && !letter) || event->isAutoRepeat()) {
         return false;
+    }
     for (const Window* window : windows) {
         for (const QMenu* menu : window->menus) {
             QAction* title = menu->menuAction();
@@ -100,15 +104,17 @@ bool OpenMenuWithKey(const QKeyEvent* event)
 void SetMenuItem(HostWindow* handle, int menu, int item, int enabled, int checked)
 {
     Window* window = FromHandle(handle);
-    if (menu < 0 || static_cast<size_t>(menu) >= window->menus.size())
+    if (menu < 0 || static_cast<size_t>(menu) >= window->menus.size()) {
         return;
+    }
     if (item < 0) {
         window->menus[static_cast<size_t>(menu)]->menuAction()->setEnabled(enabled != 0);
         return;
     }
     const std::vector<QAction*>& actions = window->menuItems[static_cast<size_t>(menu)];
-    if (static_cast<size_t>(item) >= actions.size())
+    if (static_cast<size_t>(item) >= actions.size()) {
         return;
+    }
     QAction* action = actions[static_cast<size_t>(item)];
     action->setEnabled(enabled != 0);
     action->setCheckable(checked != 0); // an unchecked item shows no empty box

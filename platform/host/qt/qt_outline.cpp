@@ -1,12 +1,11 @@
 // Lines above everything on the screen: thin windows that let every click through. They are drawn by the X server
 // from a background pattern, because the loops that move them handle no events meanwhile.
-#include <QBackingStore>
-#include <QWindow>
-
-#include <algorithm>
-
 #include "platform/host/qt/qt_internal.h"
 #include "platform/host/qt/qt_server.h"
+
+#include <QBackingStore>
+#include <QWindow>
+#include <algorithm>
 
 namespace qthost {
 namespace {
@@ -32,14 +31,17 @@ void RestoreUnder(const std::vector<QRect>& places)
     for (const Window* window : windows) {
         QBackingStore* store = window->top->backingStore();
         QWindow* native = window->top->windowHandle();
-        if (!store || !native || !native->isExposed())
+        if (!store || !native || !native->isExposed()) {
             continue;
+        }
         QRegion region;
-        for (const QRect& place : places)
+        for (const QRect& place : places) {
             region += place.translated(-window->top->geometry().topLeft());
+        }
         region &= window->top->rect();
-        if (!region.isEmpty())
+        if (!region.isEmpty()) {
             store->flush(region, native);
+        }
     }
 }
 
@@ -48,11 +50,13 @@ void RestoreUnder(const std::vector<QRect>& places)
 void ShowOutline(const HostSegment* segments, int count)
 {
     std::vector<QRect> left;
-    for (size_t i = 0; i < linesShown; i++)
+    for (size_t i = 0; i < linesShown; i++) {
         left.push_back(lines[i]->geometry());
+    }
     const size_t wanted = count > 0 ? static_cast<size_t>(count) : 0;
-    while (lines.size() < wanted)
+    while (lines.size() < wanted) {
         lines.push_back(NewLine());
+    }
     for (size_t i = 0; i < wanted; i++) {
         const HostSegment& segment = segments[i];
         const QRect place(QPoint(std::min(segment.x0, segment.x1), std::min(segment.y0, segment.y1)),
@@ -60,12 +64,14 @@ void ShowOutline(const HostSegment* segments, int count)
         const bool upright = place.height() > place.width();
         lines[i]->setGeometry(upright ? QRect(place.x(), place.y(), lineWidth, place.height())
                                       : QRect(place.x(), place.y(), place.width(), lineWidth));
-        if (!lines[i]->isVisible())
+        if (!lines[i]->isVisible()) {
             lines[i]->show();
+        }
         lines[i]->raise();
     }
-    for (size_t i = wanted; i < linesShown; i++)
+    for (size_t i = wanted; i < linesShown; i++) {
         lines[i]->hide();
+    }
     linesShown = wanted;
     RestoreUnder(left);
     FlushDisplay();
@@ -73,8 +79,9 @@ void ShowOutline(const HostSegment* segments, int count)
 
 void DestroyOutline()
 {
-    for (QWindow* line : lines)
+    for (QWindow* line : lines) {
         delete line;
+    }
     lines.clear();
     linesShown = 0;
 }

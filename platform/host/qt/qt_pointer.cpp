@@ -1,13 +1,12 @@
 // The devices asked directly: Qt's own idea of them is as old as the last event that it handled.
+#include "platform/host/qt/qt_internal.h"
+#include "platform/host/qt/qt_server.h"
+
 #include <QApplication>
 #include <QCursor>
 #include <QPixmap>
 #include <QScreen>
-
 #include <cmath>
-
-#include "platform/host/qt/qt_internal.h"
-#include "platform/host/qt/qt_server.h"
 
 namespace qthost {
 namespace {
@@ -46,8 +45,9 @@ CursorState* cursorState = nullptr;
 QPoint ToServer(int x, int y)
 {
     const QScreen* screen = QGuiApplication::screenAt(QPoint(x, y));
-    if (!screen)
+    if (!screen) {
         screen = QGuiApplication::primaryScreen();
+    }
     const QPoint corner = screen->geometry().topLeft();
     const double scale = screen->devicePixelRatio();
     return QPoint(corner.x() + qRound((x - corner.x()) * scale), corner.y() + qRound((y - corner.y()) * scale));
@@ -58,8 +58,9 @@ unsigned Translate(const MaskRow (&rows)[count], unsigned serverMask)
 {
     unsigned result = 0;
     for (const MaskRow& row : rows) {
-        if (serverMask & row.server)
+        if (serverMask & row.server) {
             result |= row.host;
+        }
     }
     return result;
 }
@@ -84,8 +85,9 @@ QPoint ToLogical(int x, int y)
         const QRect area = screen->geometry();
         const double scale = screen->devicePixelRatio();
         if (x >= area.x() && y >= area.y() && x < area.x() + area.width() * scale &&
-            y < area.y() + area.height() * scale)
+            y < area.y() + area.height() * scale) {
             holder = screen;
+        }
     }
     // Rounded as Qt rounds the positions in its events, so that a poll and an event agree.
     const QPoint corner = holder->geometry().topLeft();
@@ -96,10 +98,12 @@ QPoint ToLogical(int x, int y)
 unsigned HostButtonsOf(Qt::MouseButtons buttons)
 {
     unsigned result = 0;
-    if (buttons & Qt::LeftButton)
+    if (buttons & Qt::LeftButton) {
         result |= hostLeftButton;
-    if (buttons & Qt::RightButton)
+    }
+    if (buttons & Qt::RightButton) {
         result |= hostRightButton;
+    }
     return result;
 }
 
@@ -139,57 +143,68 @@ unsigned Modifiers()
 void WarpPointer(int x, int y)
 {
     const QPoint place = ToServer(x, y);
-    if (!WarpServerPointer(place.x(), place.y()))
+    if (!WarpServerPointer(place.x(), place.y())) {
         QCursor::setPos(x, y);
+    }
 }
 
 void CapturePointer(HostWindow* handle)
 {
-    if (captured)
+    if (captured) {
         captured->client->releaseMouse();
+    }
     captured = handle ? FromHandle(handle) : nullptr;
-    if (captured && !captured->client->isVisible())
+    if (captured && !captured->client->isVisible()) {
         captured = nullptr;
-    if (captured)
+    }
+    if (captured) {
         captured->client->grabMouse();
+    }
     FlushDisplay();
 }
 
 void ReleaseCaptureOf(const Window* window)
 {
-    if (captured == window)
+    if (captured == window) {
         CapturePointer(nullptr);
+    }
 }
 
 void SetCursor(int kind, const HostImage* image, int hotX, int hotY)
 {
     QImage pixels;
-    if (kind == hostCursorImage)
+    if (kind == hostCursorImage) {
         pixels = QImage(reinterpret_cast<const uchar*>(image->pixels), image->width, image->height, image->width * 4,
                         QImage::Format_ARGB32);
-    if (!cursorState)
+    }
+    if (!cursorState) {
         cursorState = new CursorState;
+    }
     // The program sets its cursor at every move of the pointer.
     if (kind == cursorState->kind && hotX == cursorState->hotX && hotY == cursorState->hotY &&
-        pixels == cursorState->image)
+        pixels == cursorState->image) {
         return;
+    }
     cursorState->kind = kind;
     cursorState->hotX = hotX;
     cursorState->hotY = hotY;
     cursorState->image = pixels.copy();
-    if (kind == hostCursorImage)
+    if (kind == hostCursorImage) {
         cursorState->cursor = ImageCursor(cursorState->image, hotX, hotY);
-    else
+    } else {
         cursorState->cursor = QCursor(kind == hostCursorWait ? Qt::WaitCursor : Qt::ArrowCursor);
-    for (Window* window : windows)
+    }
+    for (Window* window : windows) {
         ApplyCursor(window);
+    }
     FlushDisplay();
 }
 
 void ApplyCursor(Window* window)
 {
-    if (cursorState)
+    if (cursorState) {
         window->client->setCursor(cursorState->cursor);
+    }
 }
 
 void ForgetCursor()

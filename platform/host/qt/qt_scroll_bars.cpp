@@ -1,9 +1,8 @@
-#include <QWheelEvent>
-
-#include <algorithm>
-
 #include "platform/host/qt/qt_internal.h"
 #include "platform/host/qt/qt_server.h"
+
+#include <QWheelEvent>
+#include <algorithm>
 
 namespace qthost {
 namespace {
@@ -51,10 +50,12 @@ class Bar : public QScrollBar {
         setCursor(Qt::ArrowCursor);
         connect(this, &QAbstractSlider::actionTriggered, [this](int action) {
             const int code = CodeOf(action);
-            if (code >= 0)
+            if (code >= 0) {
                 QueueScroll(code, sliderPosition());
-            if (code != codeThumbTrack)
+            }
+            if (code != codeThumbTrack) {
                 setSliderPosition(value());
+            }
         });
     }
 
@@ -105,8 +106,10 @@ void SetScrollBar(HostScrollBar* handle, int minimum, int highestPosition, int p
 {
     Bar* bar = reinterpret_cast<Bar*>(handle);
     const int highest = std::max(minimum, highestPosition);
-    if (bar->minimum() == minimum && bar->maximum() == highest && bar->pageStep() == page && bar->value() == position)
+    if (bar->minimum() == minimum && bar->maximum() == highest && bar->pageStep() == page &&
+        bar->value() == position) {
         return;
+    }
     bar->setPageStep(page);
     bar->setRange(minimum, highest);
     bar->setValue(position);
@@ -120,14 +123,17 @@ void QueueWheel(Window* window, const QWheelEvent* event)
 {
     int delta = event->angleDelta().y();
     // Alt turns the wheel sideways in Qt.
-    if (delta == 0 && (event->modifiers() & Qt::AltModifier))
+    if (delta == 0 && (event->modifiers() & Qt::AltModifier)) {
         delta = event->angleDelta().x();
-    if ((delta > 0) != (window->wheelRest > 0))
+    }
+    if ((delta > 0) != (window->wheelRest > 0)) {
         window->wheelRest = 0;
+    }
     window->wheelRest += delta;
     const int whole = window->wheelRest / wheelNotch * wheelNotch;
-    if (whole == 0)
+    if (whole == 0) {
         return;
+    }
     window->wheelRest -= whole;
     HostEvent out = EventOfNow(hostWheel, window);
     out.screenX = event->globalPosition().toPoint().x();

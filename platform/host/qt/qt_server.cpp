@@ -4,12 +4,10 @@
 #include <QGuiApplication>
 #include <QThread>
 #include <QtGui/qguiapplication_platform.h>
-
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <vector>
-
 #include <xcb/xcb.h>
 
 namespace qthost {
@@ -53,43 +51,49 @@ int OpenServer()
         return 1;
     }
     xcb_screen_iterator_t screen = xcb_setup_roots_iterator(xcb_get_setup(server));
-    for (int i = 0; i < screenNumber && screen.rem > 1; i++)
+    for (int i = 0; i < screenNumber && screen.rem > 1; i++) {
         xcb_screen_next(&screen);
+    }
     rootWindow = screen.data->root;
     return 0;
 }
 
 void CloseServer()
 {
-    if (server)
+    if (server) {
         xcb_disconnect(server);
+    }
     server = nullptr;
 }
 
 bool QueryServerPointer(ServerPointer* pointer)
 {
-    if (!server)
+    if (!server) {
         return false;
+    }
     const ReplyOf<xcb_query_pointer_reply_t> reply(
         xcb_query_pointer_reply(server, xcb_query_pointer(server, rootWindow), nullptr));
-    if (!reply)
+    if (!reply) {
         return false;
+    }
     *pointer = {reply->root_x, reply->root_y, reply->mask};
     return true;
 }
 
 bool KeyIsDown(unsigned scanCode)
 {
-    if (!server)
+    if (!server) {
         return false;
+    }
     const ReplyOf<xcb_query_keymap_reply_t> reply(xcb_query_keymap_reply(server, xcb_query_keymap(server), nullptr));
     return reply && (reply->keys[scanCode / 8 % 32] >> scanCode % 8 & 1);
 }
 
 bool WarpServerPointer(int x, int y)
 {
-    if (!server)
+    if (!server) {
         return false;
+    }
     xcb_warp_pointer(server, XCB_NONE, rootWindow, 0, 0, 0, 0, static_cast<int16_t>(x), static_cast<int16_t>(y));
     xcb_flush(server);
     return true;
@@ -97,12 +101,14 @@ bool WarpServerPointer(int x, int y)
 
 bool QueryServerPlace(const QWindow* window, int* x, int* y)
 {
-    if (!server)
+    if (!server) {
         return false;
+    }
     const ReplyOf<xcb_translate_coordinates_reply_t> reply(xcb_translate_coordinates_reply(
         server, xcb_translate_coordinates(server, IdOf(window), rootWindow, 0, 0), nullptr));
-    if (!reply)
+    if (!reply) {
         return false;
+    }
     *x = reply->dst_x;
     *y = reply->dst_y;
     return true;
@@ -110,12 +116,14 @@ bool QueryServerPlace(const QWindow* window, int* x, int* y)
 
 bool QueryServerSize(const QWindow* window, int* width, int* height)
 {
-    if (!server)
+    if (!server) {
         return false;
+    }
     const ReplyOf<xcb_get_geometry_reply_t> reply(
         xcb_get_geometry_reply(server, xcb_get_geometry(server, IdOf(window)), nullptr));
-    if (!reply)
+    if (!reply) {
         return false;
+    }
     *width = reply->width;
     *height = reply->height;
     return true;
@@ -131,22 +139,25 @@ void WaitForServer()
 
 void FlushDisplay()
 {
-    if (xcb_connection_t* connection = QtConnection())
+    if (xcb_connection_t* connection = QtConnection()) {
         xcb_flush(connection);
+    }
 }
 
 void WaitUntilWithdrawn(const QWindow* window)
 {
     FlushDisplay();
-    if (!server || !window)
+    if (!server || !window) {
         return;
+    }
     QElapsedTimer timer;
     timer.start();
     while (timer.elapsed() < withdrawDeadline) {
         const ReplyOf<xcb_query_tree_reply_t> tree(
             xcb_query_tree_reply(server, xcb_query_tree(server, IdOf(window)), nullptr));
-        if (!tree || tree->parent == tree->root)
+        if (!tree || tree->parent == tree->root) {
             break;
+        }
         QThread::msleep(1);
     }
     QCoreApplication::processEvents(QEventLoop::AllEvents);
@@ -154,17 +165,20 @@ void WaitUntilWithdrawn(const QWindow* window)
 
 void ClearServerTitle(const QWindow* window)
 {
-    if (!server || !window)
+    if (!server || !window) {
         return;
+    }
     // After what Qt has asked for on its own connection.
-    if (xcb_connection_t* connection = QtConnection())
+    if (xcb_connection_t* connection = QtConnection()) {
         std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    }
     static const char* const names[] = {"_NET_WM_NAME", "_NET_WM_ICON_NAME", "WM_NAME", "WM_ICON_NAME"};
     for (const char* name : names) {
         const ReplyOf<xcb_intern_atom_reply_t> atom(xcb_intern_atom_reply(
             server, xcb_intern_atom(server, 0, static_cast<uint16_t>(std::strlen(name)), name), nullptr));
-        if (atom)
+        if (atom) {
             xcb_delete_property(server, IdOf(window), atom->atom);
+        }
     }
     xcb_flush(server);
 }
@@ -172,13 +186,15 @@ void ClearServerTitle(const QWindow* window)
 void SetDashedGround(WId window)
 {
     xcb_connection_t* connection = QtConnection();
-    if (!connection)
+    if (!connection) {
         return;
+    }
     const xcb_window_t id = static_cast<xcb_window_t>(window);
     const ReplyOf<xcb_get_geometry_reply_t> geometry(
         xcb_get_geometry_reply(connection, xcb_get_geometry(connection, id), nullptr));
-    if (!geometry)
+    if (!geometry) {
         return;
+    }
     const uint32_t black = 0xFF000000;
     const uint32_t white = 0xFFFFFFFF;
     const xcb_pixmap_t pattern = xcb_generate_id(connection);
@@ -191,8 +207,9 @@ void SetDashedGround(WId window)
     std::vector<xcb_point_t> points;
     for (int y = 0; y < patternSize; y++) {
         for (int x = 0; x < patternSize; x++) {
-            if ((x + y) % patternSize < patternSize / 2)
+            if ((x + y) % patternSize < patternSize / 2) {
                 points.push_back({static_cast<int16_t>(x), static_cast<int16_t>(y)});
+            }
         }
     }
     xcb_poly_point(connection, XCB_COORD_MODE_ORIGIN, pattern, context, static_cast<uint32_t>(points.size()),

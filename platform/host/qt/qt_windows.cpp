@@ -1,3 +1,6 @@
+#include "platform/host/qt/qt_internal.h"
+#include "platform/host/qt/qt_server.h"
+
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QIcon>
@@ -7,11 +10,7 @@
 #include <QScreen>
 #include <QThread>
 #include <QWindow>
-
 #include <algorithm>
-
-#include "platform/host/qt/qt_internal.h"
-#include "platform/host/qt/qt_server.h"
 
 namespace qthost {
 namespace {
@@ -42,11 +41,13 @@ class ClientArea : public QWidget {
         const QRect pictured = window->picture.rect();
         for (const QRect& rect : event->region()) {
             const QRect part = rect & pictured;
-            if (!part.isEmpty())
+            if (!part.isEmpty()) {
                 painter.drawImage(part.topLeft(), window->picture, part);
+            }
         }
-        for (const QRect& rect : event->region() - pictured)
+        for (const QRect& rect : event->region() - pictured) {
             painter.fillRect(rect, QColor(behindPicture));
+        }
     }
 
     void mousePressEvent(QMouseEvent* event) override
@@ -77,8 +78,9 @@ class ClientArea : public QWidget {
 
     void keyPressEvent(QKeyEvent* event) override
     {
-        if (!OpenMenuWithKey(event))
+        if (!OpenMenuWithKey(event)) {
             QueueKey(window, event);
+        }
     }
 
     void keyReleaseEvent(QKeyEvent* event) override
@@ -93,14 +95,16 @@ class ClientArea : public QWidget {
 
     void moveEvent(QMoveEvent*) override
     {
-        if (isWindow())
+        if (isWindow()) {
             QueueGeometry(window);
+        }
     }
 
     void resizeEvent(QResizeEvent*) override
     {
-        if (isWindow())
+        if (isWindow()) {
             QueueGeometry(window);
+        }
     }
 
     void closeEvent(QCloseEvent* event) override
@@ -114,14 +118,17 @@ class ClientArea : public QWidget {
     {
         event->accept();
         const unsigned button = HostButtonsOf(event->button());
-        if (kind != hostPointerMove && button == 0)
+        if (kind != hostPointerMove && button == 0) {
             return;
-        if (kind == hostPointerDown)
+        }
+        if (kind == hostPointerDown) {
             deliveredButtons |= button;
+        }
         if (kind == hostPointerUp) {
             // The click that closed a menu or a dialog ends here: its press was not ours.
-            if (!(deliveredButtons & button))
+            if (!(deliveredButtons & button)) {
                 return;
+            }
             deliveredButtons &= ~button;
         }
         HostEvent out = {};
@@ -153,11 +160,13 @@ class OuterFrame : public QWidget {
 
     void resizeEvent(QResizeEvent*) override
     {
-        if (window->menuBar)
+        if (window->menuBar) {
             window->menuBar->setGeometry(0, 0, width(), window->menuHeight);
+        }
         window->client->setGeometry(0, window->menuHeight, width(), std::max(height() - window->menuHeight, 0));
-        if (!window->placing)
+        if (!window->placing) {
             ApplyLimits(window);
+        }
         QueueGeometry(window);
     }
 
@@ -193,8 +202,9 @@ void WaitUntilShown(const Window* window)
     const QWindow* native = window->top->windowHandle();
     while (native && !native->isExposed() && timer.elapsed() < showDeadline) {
         QCoreApplication::processEvents(QEventLoop::AllEvents);
-        if (!native->isExposed())
+        if (!native->isExposed()) {
             QThread::msleep(1);
+        }
     }
 }
 
@@ -210,20 +220,24 @@ void SettlePlace(Window* window, QPoint asked)
         QCoreApplication::processEvents(QEventLoop::AllEvents);
         int x = 0;
         int y = 0;
-        if (!native || !QueryServerPlace(native, &x, &y))
+        if (!native || !QueryServerPlace(native, &x, &y)) {
             return;
+        }
         real = ToLogical(x, y);
-        if (real == asked || timer.elapsed() > settleDeadline)
+        if (real == asked || timer.elapsed() > settleDeadline) {
             break;
+        }
         QThread::msleep(1);
     }
-    if (window->top->pos() == real)
+    if (window->top->pos() == real) {
         return;
+    }
     window->placing = true;
     window->top->move(real);
     window->placing = false;
-    if (real != asked)
+    if (real != asked) {
         QueueGeometry(window);
+    }
 }
 
 // Until the window manager has given the window its new size it may report others, cut to limits that it read too
@@ -232,8 +246,9 @@ void SettlePlace(Window* window, QPoint asked)
 void SettleSize(Window* window)
 {
     const QWindow* native = window->top->windowHandle();
-    if (window->kind != hostFramedWindow || !native || !window->top->isVisible())
+    if (window->kind != hostFramedWindow || !native || !window->top->isVisible()) {
         return;
+    }
     const QSize asked = window->top->size();
     const double scale = native->devicePixelRatio();
     const int deadline = window->sizeRefused ? refusedSizeDeadline : sizeDeadline;
@@ -243,14 +258,16 @@ void SettleSize(Window* window)
         int width = 0;
         int height = 0;
         FlushDisplay();
-        if (!QueryServerSize(native, &width, &height))
+        if (!QueryServerSize(native, &width, &height)) {
             return;
+        }
         WaitForServer();
         QCoreApplication::processEvents(QEventLoop::AllEvents);
         const bool given = width == qRound(asked.width() * scale) && height == qRound(asked.height() * scale);
         window->sizeRefused = !given || window->top->size() != asked;
-        if (!window->sizeRefused || timer.elapsed() > deadline)
+        if (!window->sizeRefused || timer.elapsed() > deadline) {
             return;
+        }
         QThread::msleep(1);
     }
 }
@@ -259,8 +276,9 @@ void SettleSize(Window* window)
 void ReturnFocus(const Window* window)
 {
     QWidget* owner = window->top->parentWidget();
-    if (window->kind == hostPopupWindow && owner && owner->isVisible() && window->top->isActiveWindow())
+    if (window->kind == hostPopupWindow && owner && owner->isVisible() && window->top->isActiveWindow()) {
         owner->activateWindow();
+    }
 }
 
 } // namespace
@@ -279,9 +297,10 @@ HostWindow* CreateWindow(const HostWindowRequest* request, void* token)
         window->top->setAttribute(Qt::WA_ShowWithoutActivating);
     } else {
         Qt::WindowFlags flags = Qt::Window;
-        if (request->noClose)
+        if (request->noClose) {
             flags |= Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                      Qt::WindowMinMaxButtonsHint;
+        }
         window->top = new OuterFrame(window, flags);
         window->client = new ClientArea(window, window->top, Qt::Widget);
         window->client
@@ -296,8 +315,9 @@ HostWindow* CreateWindow(const HostWindowRequest* request, void* token)
     }
     windows.push_back(window);
     SizeClient(window, width, height);
-    if (request->left != hostDefaultPlace && request->top != hostDefaultPlace)
+    if (request->left != hostDefaultPlace && request->top != hostDefaultPlace) {
         window->top->move(request->left, request->top);
+    }
     SetTitle(ToHandle(window), request->title);
     ApplyCursor(window);
     window->placing = false;
@@ -313,8 +333,9 @@ void DestroyWindow(HostWindow* handle)
     std::erase(windows, window);
     // Pop-ups would go with their owner's widget; they belong to the program until it destroys them.
     for (Window* other : windows) {
-        if (other->kind == hostPopupWindow && other->top->parentWidget() == window->top)
+        if (other->kind == hostPopupWindow && other->top->parentWidget() == window->top) {
             other->top->setParent(nullptr, other->top->windowFlags());
+        }
     }
     delete window->top;
     ForgetEvents(window, nullptr);
@@ -360,14 +381,18 @@ void PlaceWindow(HostWindow* handle, int left, int top, int clientWidth, int cli
 {
     Window* window = FromHandle(handle);
     window->placing = true;
-    if (window->top->windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen))
+    if (window->top->windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)) {
         LeaveMaximized(window->top);
-    if (clientWidth != 0 || clientHeight != 0)
+    }
+    if (clientWidth != 0 || clientHeight != 0) {
         SizeClient(window, clientWidth, clientHeight);
-    if (left != hostDefaultPlace && top != hostDefaultPlace)
+    }
+    if (left != hostDefaultPlace && top != hostDefaultPlace) {
         window->top->move(left, top);
-    if (clientWidth != 0 || clientHeight != 0)
+    }
+    if (clientWidth != 0 || clientHeight != 0) {
         SettleSize(window);
+    }
     window->placing = false;
     FlushDisplay();
 }
@@ -389,12 +414,14 @@ void ShowWindow(HostWindow* handle, int how)
     const QPoint asked = window->top->pos();
     window->placing = true;
     window->top->setAttribute(Qt::WA_ShowWithoutActivating, quietly);
-    if (window->top->isMinimized())
+    if (window->top->isMinimized()) {
         window->top->showNormal();
-    else
+    } else {
         window->top->show();
-    if (!quietly && how == hostShowActive)
+    }
+    if (!quietly && how == hostShowActive) {
         window->top->activateWindow();
+    }
     FlushDisplay();
     // Only a framed window is left to the window manager's choice of a place.
     window->placing = window->kind == hostPopupWindow;
@@ -402,8 +429,9 @@ void ShowWindow(HostWindow* handle, int how)
     window->placing = false;
     if (wasHidden && window->kind == hostPopupWindow) {
         SettlePlace(window, asked);
-        if (window->top->windowTitle().isEmpty())
+        if (window->top->windowTitle().isEmpty()) {
             ClearServerTitle(window->top->windowHandle());
+        }
     }
 }
 
@@ -424,8 +452,9 @@ void WindowGeometry(HostWindow* handle, HostGeometry* geometry)
     // The window itself knows the manager's frame; the widget's idea of it lags behind.
     const QWindow* native = window->top->windowHandle();
     QMargins margins;
-    if (native && window->kind == hostFramedWindow)
+    if (native && window->kind == hostFramedWindow) {
         margins = native->frameMargins();
+    }
     margins.setTop(margins.top() + window->menuHeight);
     geometry->frame.left = corner.x() - margins.left();
     geometry->frame.top = corner.y() - margins.top();
@@ -441,12 +470,15 @@ void LimitSize(HostWindow* handle, int minWidth, int minHeight, int maxWidth, in
     window->maxWidth = std::clamp(maxWidth, 0, QWIDGETSIZE_MAX / 2);
     window->maxHeight = std::clamp(maxHeight, 0, QWIDGETSIZE_MAX / 2);
     // The minimum wins over a maximum below it.
-    if (window->maxWidth > 0)
+    if (window->maxWidth > 0) {
         window->maxWidth = std::max(window->maxWidth, window->minWidth);
-    if (window->maxHeight > 0)
+    }
+    if (window->maxHeight > 0) {
         window->maxHeight = std::max(window->maxHeight, window->minHeight);
-    if (window->kind == hostFramedWindow)
+    }
+    if (window->kind == hostFramedWindow) {
         ApplyLimits(window);
+    }
 }
 
 void SetTitle(HostWindow* handle, const char* title)
@@ -471,18 +503,20 @@ void SetIcons(HostWindow* handle, const HostImage* images, int count)
 void SetPicture(HostWindow* handle, const uint32_t* pixels, int width, int height, int stride)
 {
     Window* window = FromHandle(handle);
-    if (!pixels || width <= 0 || height <= 0)
+    if (!pixels || width <= 0 || height <= 0) {
         window->picture = QImage();
-    else
+    } else {
         window->picture = QImage(reinterpret_cast<const uchar*>(pixels), width, height,
                                  static_cast<qsizetype>(stride) * 4, QImage::Format_RGB32);
+    }
 }
 
 void Present(HostWindow* handle, const HostRect* part)
 {
     QWidget* client = FromHandle(handle)->client;
-    if (!client->isVisible())
+    if (!client->isVisible()) {
         return;
+    }
     client->repaint(QRect(QPoint(part->left, part->top), QPoint(part->right - 1, part->bottom - 1)));
     FlushDisplay();
 }

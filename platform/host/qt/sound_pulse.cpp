@@ -1,10 +1,9 @@
 #include "platform/host/qt/sound_pulse.h"
 
-#include <pulse/pulseaudio.h>
-
 #include <algorithm>
 #include <chrono>
 #include <cstring>
+#include <pulse/pulseaudio.h>
 
 namespace {
 
@@ -27,18 +26,21 @@ struct Samples {
 uint32_t Number(const uint8_t* bytes, int count)
 {
     uint32_t value = 0;
-    for (int i = count - 1; i >= 0; i--)
+    for (int i = count - 1; i >= 0; i--) {
         value = value << 8 | bytes[i];
+    }
     return value;
 }
 
 bool ReadFormat(const uint8_t* chunk, uint32_t size, Samples* samples)
 {
-    if (size < 16 || Number(chunk, 2) != 1)
+    if (size < 16 || Number(chunk, 2) != 1) {
         return false;
+    }
     const uint32_t bits = Number(chunk + 14, 2);
-    if (bits != 8 && bits != 16)
+    if (bits != 8 && bits != 16) {
         return false;
+    }
     samples->format.format = bits == 8 ? PA_SAMPLE_U8 : PA_SAMPLE_S16LE;
     samples->format.channels = static_cast<uint8_t>(std::min<uint32_t>(Number(chunk + 2, 2), 255));
     samples->format.rate = Number(chunk + 4, 4);
@@ -48,8 +50,9 @@ bool ReadFormat(const uint8_t* chunk, uint32_t size, Samples* samples)
 // False when the file is damaged or of another kind.
 bool ReadWave(const uint8_t* wave, uint32_t size, Samples* samples)
 {
-    if (size < 12 || std::memcmp(wave, "RIFF", 4) != 0 || std::memcmp(wave + 8, "WAVE", 4) != 0)
+    if (size < 12 || std::memcmp(wave, "RIFF", 4) != 0 || std::memcmp(wave + 8, "WAVE", 4) != 0) {
         return false;
+    }
     bool formatKnown = false;
     uint32_t at = 12;
     while (size - at >= 8) {
@@ -60,8 +63,9 @@ bool ReadWave(const uint8_t* wave, uint32_t size, Samples* samples)
             formatKnown = ReadFormat(chunk, length, samples);
         } else if (std::memcmp(wave + at, "data", 4) == 0) {
             const uint32_t frame = formatKnown ? static_cast<uint32_t>(pa_frame_size(&samples->format)) : 0;
-            if (frame == 0)
+            if (frame == 0) {
                 return false;
+            }
             samples->data = chunk;
             samples->size = length / frame * frame;
             return samples->size > 0;
@@ -78,16 +82,18 @@ bool RunUntil(pa_mainloop* loop, Clock::time_point deadline, Done done)
     while (!done()) {
         const auto rest = std::chrono::duration_cast<std::chrono::microseconds>(deadline - Clock::now()).count();
         if (rest <= 0 || pa_mainloop_prepare(loop, static_cast<int>(rest)) < 0 || pa_mainloop_poll(loop) < 0 ||
-            pa_mainloop_dispatch(loop) < 0)
+            pa_mainloop_dispatch(loop) < 0) {
             return false;
+        }
     }
     return true;
 }
 
 bool Connect(pa_mainloop* loop, pa_context* context)
 {
-    if (pa_context_connect(context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0)
+    if (pa_context_connect(context, nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0) {
         return false;
+    }
     RunUntil(loop, Clock::now() + connectDeadline, [context] {
         return pa_context_get_state(context) == PA_CONTEXT_READY ||
                !PA_CONTEXT_IS_GOOD(pa_context_get_state(context));
@@ -99,24 +105,30 @@ void PlayOn(pa_mainloop* loop, pa_stream* stream, const Samples& samples)
 {
     const auto length = milliseconds(pa_bytes_to_usec(samples.size, &samples.format) / 1000);
     const Clock::time_point deadline = Clock::now() + length + playDeadline;
-    if (pa_stream_connect_playback(stream, nullptr, nullptr, PA_STREAM_NOFLAGS, nullptr, nullptr) < 0)
+    if (pa_stream_connect_playback(stream, nullptr, nullptr, PA_STREAM_NOFLAGS, nullptr, nullptr) < 0) {
         return;
+    }
     const auto usable = [stream] { return PA_STREAM_IS_GOOD(pa_stream_get_state(stream)); };
     RunUntil(loop, deadline, [&] { return pa_stream_get_state(stream) == PA_STREAM_READY || !usable(); });
-    if (pa_stream_get_state(stream) != PA_STREAM_READY)
+    if (pa_stream_get_state(stream) != PA_STREAM_READY) {
         return;
+    }
     size_t written = 0;
     while (written < samples.size) {
-        if (!RunUntil(loop, deadline, [&] { return pa_stream_writable_size(stream) > 0 || !usable(); }) || !usable())
+        if (!RunUntil(loop, deadline, [&] { return pa_stream_writable_size(stream) > 0 || !usable(); }) ||
+            !usable()) {
             return;
+        }
         const size_t part = std::min(pa_stream_writable_size(stream), samples.size - written);
-        if (pa_stream_write(stream, samples.data + written, part, nullptr, 0, PA_SEEK_RELATIVE) < 0)
+        if (pa_stream_write(stream, samples.data + written, part, nullptr, 0, PA_SEEK_RELATIVE) < 0) {
             return;
+        }
         written += part;
     }
     pa_operation* drain = pa_stream_drain(stream, nullptr, nullptr);
-    if (!drain)
+    if (!drain) {
         return;
+    }
     RunUntil(loop, deadline, [&] { return pa_operation_get_state(drain) != PA_OPERATION_RUNNING || !usable(); });
     pa_operation_unref(drain);
 }
@@ -126,13 +138,16 @@ void PlayOn(pa_mainloop* loop, pa_stream* stream, const Samples& samples)
 void PlayWave(const uint8_t* wave, uint32_t size)
 {
     Samples samples;
-    if (!wave || !ReadWave(wave, size, &samples))
+    if (!wave || !ReadWave(wave, size, &samples)) {
         return;
-    if (serverFailed && Clock::now() - failureTime < retryAfter)
+    }
+    if (serverFailed && Clock::now() - failureTime < retryAfter) {
         return;
+    }
     pa_mainloop* loop = pa_mainloop_new();
-    if (!loop)
+    if (!loop) {
         return;
+    }
     pa_context* context = pa_context_new(pa_mainloop_get_api(loop), "Kestrel Map Tool");
     if (context) {
         serverFailed = !Connect(loop, context);
