@@ -4,45 +4,25 @@
 #include "app/map_window.h"
 #include "editing/palettes.h"
 #include "mapdata/map_commands.h"
-#include "toolbox/menus.h"
 #include "toolbox/resources.h"
 #include "toolbox/windows.h"
 
-#include <initializer_list>
+#include <iterator>
 
 namespace {
 
 constexpr char guideName[] = "Guide - Map Tool.pdf";
-constexpr int viewMenuPosition = 2;
 
-// Which items AdjustMenus enables in a state; bit n for item n, bit 0 for the title.
-struct MenuState {
-    uint32_t file;
-    uint32_t edit;
-    uint32_t view;
-    uint32_t help;
-};
-
-constexpr uint32_t Items(std::initializer_list<int> items)
+void SaveMapAsAsked()
 {
-    uint32_t bits = 1; // the title
-    for (const int item : items) {
-        bits |= 1u << item;
+    if (SaveMap(true) == 0) {
+        currentMap.mapModified = 0;
     }
-    return bits;
 }
 
-constexpr MenuState paletteState = {Items({4, 6}), 0, Items({1, 2, 3, 4, 5}), Items({1})};
-constexpr MenuState noMapState = {Items({1, 2, 6}), 0, 0, Items({1})};
-constexpr MenuState mapState = {Items({4, 6}), Items({1, 2, 3, 4, 5}), Items({1, 2, 3, 4, 5}), Items({1})};
-
-void EnableItems(HMENU menu, uint32_t bits)
+void RedrawMap()
 {
-    for (int item = 0; bits != 0; item++, bits >>= 1) {
-        if (bits & 1) {
-            EnableItem(menu, item);
-        }
-    }
+    InvalidateMapRect(nullptr);
 }
 
 void OpenGuide()
@@ -58,27 +38,73 @@ void OpenGuide()
     ShellExecuteA(shell.mapWindow->window, "open", guideName, nullptr, start, SW_SHOWNORMAL);
 }
 
+// The program's state, as far as it enables commands: one bit.
+enum ProgramState : unsigned { noMap = 1, mapAlone = 2, paletteOpen = 4 };
+constexpr unsigned never = 0;
+constexpr unsigned withMap = mapAlone | paletteOpen;
+constexpr unsigned always = noMap | withMap;
+
+ProgramState CurrentState()
+{
+    if (shell.featuresPaletteOpen || shell.moveCostPaletteOpen) {
+        return paletteOpen;
+    }
+    return shell.mapShown ? mapAlone : noMap;
+}
+
+} // namespace
+
+const CommandRow commandTable[] = {
+    {newMapCommand, noMap, NewMapCommand},
+    {openMapCommand, noMap, OpenMapCommand},
+    {saveMapCommand, withMap, SaveMapAsAsked},
+    {quitCommand, always, QuitCommand},
+    {terrainCommand, mapAlone, RunFeaturesPalette},
+    {moveCostCommand, mapAlone, RunMoveCostPalette},
+    {mapVersionCommand, mapAlone, VersionDialog},
+    {mapUTMCommand, mapAlone, UTMDialog},
+    {mapIDCommand, mapAlone, MapIDDialog},
+    {redrawMapCommand, withMap, RedrawMap},
+    {utmGridCommand, withMap, ToggleUTMGrid},
+    {utmCoordinatesCommand, withMap, ToggleUTMCoordinates},
+    {terrainAnalysisCommand, withMap, ToggleTerrainAnalysis},
+    {cursorReadoutCommand, withMap, ToggleCursorReadout},
+    {userGuideCommand, always, OpenGuide},
+    {aboutCommand, never, nullptr},
+};
+const int commandCount = std::size(commandTable);
+
+namespace {
+
+void RunItem(MenuNumber menu, int item)
+{
+    for (const CommandRow& row : commandTable) {
+        if (MenuOf(row.command) == menu && ItemOf(row.command) == item && row.run != nullptr) {
+            row.run();
+        }
+    }
+}
+
 } // namespace
 
 void DoMenuCommand(uint32_t menuResult)
 {
-    const int menu = static_cast<int>(menuResult >> 16);
     const int item = static_cast<int>(menuResult & 0xFFFF);
-    switch (menu) {
-    case 201:
-    case 301:
+    switch (menuResult >> 16) {
+    case fileMenuNumber:
+    case fileMenuNumber + frenchMenus:
         DoFileMenu(item);
         break;
-    case 202:
-    case 302:
+    case editMenuNumber:
+    case editMenuNumber + frenchMenus:
         DoEditMenu(item);
         break;
-    case 203:
-    case 303:
+    case viewMenuNumber:
+    case viewMenuNumber + frenchMenus:
         DoViewMenu(item);
         break;
-    case 204:
-    case 304:
+    case helpMenuNumber:
+    case helpMenuNumber + frenchMenus:
         DoHelpMenu(item);
         break;
     default:
@@ -88,97 +114,36 @@ void DoMenuCommand(uint32_t menuResult)
 
 void DoFileMenu(int item)
 {
-    switch (item) {
-    case 1:
-        NewMapCommand();
-        break;
-    case 2:
-        OpenMapCommand();
-        break;
-    case 4:
-        if (SaveMap(true) == 0) {
-            currentMap.mapModified = 0;
-        }
-        break;
-    case 6:
-        QuitCommand();
-        break;
-    default:
-        break;
-    }
+    RunItem(fileMenuNumber, item);
 }
 
 void DoEditMenu(int item)
 {
-    switch (item) {
-    case 1:
-        RunFeaturesPalette();
-        break;
-    case 2:
-        RunMoveCostPalette();
-        break;
-    case 3:
-        VersionDialog();
-        break;
-    case 4:
-        UTMDialog();
-        break;
-    case 5:
-        MapIDDialog();
-        break;
-    default:
-        break;
-    }
+    RunItem(editMenuNumber, item);
 }
 
 void DoViewMenu(int item)
 {
-    switch (item) {
-    case redrawItem:
-        InvalidateMapRect(nullptr);
-        break;
-    case gridItem:
-        ToggleUTMGrid();
-        break;
-    case gridLabelsItem:
-        ToggleUTMCoordinates();
-        break;
-    case analysisItem:
-        ToggleTerrainAnalysis();
-        break;
-    case readoutItem:
-        ToggleCursorReadout();
-        break;
-    default:
-        break;
-    }
+    RunItem(viewMenuNumber, item);
 }
 
 void DoHelpMenu(int item)
 {
-    if (item == 1) {
-        OpenGuide();
-    }
+    RunItem(helpMenuNumber, item);
 }
 
 void DoFunctionKey(uint32_t message)
 {
-    if (message == f8Key && !IsViewItemDisabled(analysisItem)) {
-        ToggleTerrainAnalysis();
-    } else if (message == f9Key && !IsViewItemDisabled(readoutItem)) {
-        ToggleCursorReadout();
+    for (const CommandKey& row : functionKeys) {
+        if (static_cast<uint32_t>(row.key) == message && !IsCommandDisabled(row.command)) {
+            RunItem(MenuOf(row.command), ItemOf(row.command));
+        }
     }
 }
 
 int IsViewItemDisabled(int item)
 {
-    constexpr UINT disabled = MF_GRAYED | MF_DISABLED;
-    if (!MapWindowExists()) {
-        return 1;
-    }
-    const UINT title = GetMenuState(GetMenu(shell.mapWindow->window), viewMenuPosition, MF_BYPOSITION);
-    const UINT state = GetMenuState(shell.viewMenu, static_cast<UINT>(item - 1), MF_BYPOSITION);
-    return (title & disabled) != 0 || (state & disabled) != 0 ? 1 : 0;
+    return IsItemDisabled(viewMenuNumber, item);
 }
 
 void AdjustMenus()
@@ -187,13 +152,12 @@ void AdjustMenus()
         return;
     }
     DisableAllMenus();
-    const MenuState& state = shell.featuresPaletteOpen || shell.moveCostPaletteOpen ? paletteState
-                             : shell.mapShown                                       ? mapState
-                                                                                    : noMapState;
-    EnableItems(shell.fileMenu, state.file);
-    EnableItems(shell.editMenu, state.edit);
-    EnableItems(shell.viewMenu, state.view);
-    EnableItems(shell.helpMenu, state.help);
+    const ProgramState state = CurrentState();
+    for (const CommandRow& row : commandTable) {
+        if (row.states & state) {
+            EnableCommand(row.command);
+        }
+    }
 
     const HWND window = shell.mapWindow->window;
     DrawMenuBar(window);

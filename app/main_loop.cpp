@@ -1,9 +1,11 @@
 #include "app/application.h"
 #include "app/map_window.h"
-#include "mapdata/map_record.h"
+#include "mapdata/rescue_files.h"
 #include "toolbox/menus.h"
 #include "toolbox/resources.h"
 #include "toolbox/windows.h"
+
+#include <cstdlib>
 
 namespace {
 
@@ -38,9 +40,21 @@ void RouteEvent()
 
 } // namespace
 
+namespace {
+
+// Also called where the window system ends the program without returning to the loop.
+void EndRescueCopies()
+{
+    KeepLastRescueCopy();
+    ReleaseRescueFolder();
+}
+
+} // namespace
+
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int)
 {
     shell.appInstance = instance;
+    [[maybe_unused]] static const int registered = std::atexit(EndRescueCopies);
     if (RegisterWindowClasses() == 0) {
         shell.startUpFailed = 1;
         shell.quitRequested = 1;
@@ -53,6 +67,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int)
         OutputDebugStringA("Kestrel Map Tool could not start: its window or its resources could not be made.\n");
     }
     RunMainLoop();
+    EndRescueCopies();
     CloseFile(currentMap.openDataFile);
     currentMap.openDataFile = noFile;
     ShutdownApplication();

@@ -1,3 +1,4 @@
+#include "app/map_views.h"
 #include "app/map_window.h"
 #include "editing/overlay.h"
 #include "mapdata/map_record.h"
@@ -11,23 +12,23 @@
 namespace {
 
 constexpr int statusTextInset = 15; // from the strip's top-left corner to the baseline start
-// The grow box picture in the interface bitmap; it covers the strip's right end and as much above it.
-constexpr Rect growBoxImage = {558, 642, 594, 660};
-constexpr int growBoxImageWidth = 18;
-constexpr int growBoxImageHeight = 36;
-
-Rect StatusStrip()
-{
-    const Rect& port = shell.mapWindow->portRect;
-    return {static_cast<int16_t>(port.bottom - statusStripHeight), port.left, port.bottom, port.right};
-}
+// The grow box picture in the interface bitmap.
+constexpr Rect growBoxImage = MakeRect(642, 558, 660, 594);
 
 // The map image begins at map point (0, 0), wherever a damaged record says that the map does.
 Rect MapImageRect()
 {
-    Rect image;
-    SetRect(&image, 0, 0, MapWidth(), MapHeight());
-    return image;
+    return MakeRect(0, 0, MapWidth(), MapHeight());
+}
+
+void DrawStatusText(const Rect& strip)
+{
+    const SavedDrawing saved = BeginDrawing(shell.mapWindow);
+    SetPortFont(fontArial, 10, stylePlain);
+    TextForeColor(colours.black);
+    MoveTo(strip.left + statusTextInset, strip.top + statusTextInset);
+    DrawString(view.statusText);
+    EndDrawing(saved);
 }
 
 void FillBeyondMap()
@@ -35,23 +36,21 @@ void FillBeyondMap()
     const Rect& shown = view.viewRect;
     const Rect map = MapImageRect();
     if (shown.right > map.right) {
-        const Rect right = {shown.top, std::max(shown.left, map.right), shown.bottom, shown.right};
+        const Rect right = MakeRect(std::max(shown.left, map.right), shown.top, shown.right, shown.bottom);
         FillRectColor(&right, shell.windowBackground);
     }
     if (shown.bottom > map.bottom) {
-        const Rect below = {std::max(shown.top, map.bottom), shown.left, shown.bottom, shown.right};
+        const Rect below = MakeRect(shown.left, std::max(shown.top, map.bottom), shown.right, shown.bottom);
         FillRectColor(&below, shell.windowBackground);
     }
 }
 
 void FillMapImage(COLORREF colour)
 {
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    SetPort(view.mapImage);
+    const SavedPort saved = UsePort(view.mapImage);
     const Rect image = MapImageRect();
     FillRectColor(&image, colour);
-    SetPort(savedPort);
+    RestorePort(saved);
 }
 
 } // namespace
@@ -69,9 +68,7 @@ void PaintMapWindow()
         PaintFeaturesOverlay();
         return;
     }
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    SetPort(shell.mapWindow);
+    const SavedPort saved = UsePort(shell.mapWindow);
     UpdateWindow(view.verticalScrollBar);
     UpdateWindow(view.horizontalScrollBar);
     BeginUpdate(shell.mapWindow);
@@ -82,7 +79,7 @@ void PaintMapWindow()
         FillRectColor(&shell.mapWindow->portRect, shell.windowBackground);
     }
     EndUpdate(shell.mapWindow);
-    SetPort(savedPort);
+    RestorePort(saved);
 }
 
 // The window keeps its picture, so one copy straight from the map image composes it without flicker.
@@ -105,36 +102,16 @@ void DrawStatusStrip()
     if (!MapWindowExists()) {
         return;
     }
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    const WindowPtr window = shell.mapWindow;
-    SetPort(window);
-
-    const Rect strip = StatusStrip();
+    const SavedPort saved = UsePort(shell.mapWindow);
+    const Rect strip = StatusStripRect();
     FillRectColor(&strip, colours.grey192);
-    const Rect growBox = {static_cast<int16_t>(strip.bottom - growBoxImageHeight),
-                          static_cast<int16_t>(strip.right - growBoxImageWidth), strip.bottom, strip.right};
-    CopyFromInterfaceBitmap(window, &growBoxImage, &growBox);
+    const Rect growBox = GrowBoxImageRect();
+    CopyFromInterfaceBitmap(shell.mapWindow, &growBoxImage, &growBox);
     if (view.statusText[0] != 0) {
-        COLORREF textColour;
-        COLORREF backColour;
-        GetTextForeColor(&textColour);
-        GetTextBackColor(&backColour);
-        const COLORREF foreColour = window->foreColour;
-        const int32_t number = window->fontNumber;
-        const int32_t size = window->fontSize;
-        const int32_t style = window->fontStyle;
-        SetPortFont(fontArial, 10, stylePlain);
-        TextForeColor(colours.black);
-        MoveTo(strip.left + statusTextInset, strip.top + statusTextInset);
-        DrawString(view.statusText);
-        SetPortFont(number, size, style);
-        SetTextForeColor(&textColour);
-        SetTextBackColor(&backColour);
-        window->foreColour = foreColour;
+        DrawStatusText(strip);
     }
     ValidRect(&strip);
-    SetPort(savedPort);
+    RestorePort(saved);
 }
 
 void SetStatusText(int redraw, int list, int index, const char* text)
@@ -151,6 +128,11 @@ void SetStatusText(int redraw, int list, int index, const char* text)
     }
 }
 
+void SetStatusText(int redraw, TextID text)
+{
+    SetStatusText(redraw, ListOf(text), IndexOf(text), nullptr);
+}
+
 void ClearStatusText()
 {
     view.statusText[0] = 0;
@@ -160,7 +142,7 @@ void ClearStatusText()
 void InvalidateStatusStrip()
 {
     if (MapWindowExists()) {
-        const Rect strip = StatusStrip();
+        const Rect strip = StatusStripRect();
         InvalidateMapRect(&strip);
     }
 }
@@ -174,11 +156,9 @@ void InvalidateMapRect(const Rect* rect)
 
 void InvalidateWindowRect(WindowPtr window, const Rect* rect)
 {
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    SetPort(window);
+    const SavedPort saved = UsePort(window);
     InvalRect(rect);
-    SetPort(savedPort);
+    RestorePort(saved);
 }
 
 void ValidateMapRect(const Rect* rect)
@@ -186,11 +166,28 @@ void ValidateMapRect(const Rect* rect)
     if (!MapWindowExists()) {
         return;
     }
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    SetPort(shell.mapWindow);
+    const SavedPort saved = UsePort(shell.mapWindow);
     ValidRect(rect);
-    SetPort(savedPort);
+    RestorePort(saved);
+}
+
+// ---- the map image ----
+
+void RedrawMapImage()
+{
+    SetCursorById(waitCursor);
+    ComposeMapImage();
+    InitCursor();
+    InvalidateMapRect(nullptr);
+}
+
+int16_t ComposeMapImage()
+{
+    const int16_t status = LoadMapArt();
+    if (status == 0 && !view.terrainAnalysisOn) { // the analysis has its grid already
+        RedrawUTMGridIfShown();
+    }
+    return status;
 }
 
 int16_t LoadMapArt()

@@ -76,13 +76,6 @@ HWND CreateBar(Rect place, int range, int position)
     return bar;
 }
 
-Rect MakeRect(int left, int top, int right, int bottom)
-{
-    Rect rect;
-    SetRect(&rect, left, top, right, bottom);
-    return rect;
-}
-
 } // namespace
 
 void ScrollMap(int updateBars, int dh, int dv)
@@ -96,9 +89,7 @@ void ScrollMap(int updateBars, int dh, int dv)
     if (dh == 0 && dv == 0) {
         return;
     }
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    SetPort(shell.mapWindow);
+    const SavedPort saved = UsePort(shell.mapWindow);
     ValidRect(&view.viewRect);
     OffsetRect(&view.viewRect, dh, dv);
     SetOrigin(view.viewRect.left, view.viewRect.top);
@@ -106,7 +97,7 @@ void ScrollMap(int updateBars, int dh, int dv)
     if (updateBars && view.verticalScrollBar != nullptr) {
         FollowWithBars(dh, dv);
     }
-    SetPort(savedPort);
+    RestorePort(saved);
 }
 
 int HandleMapKey(uint32_t key)
@@ -156,19 +147,13 @@ void CreateScrollBars()
     DestroyScrollBars();
     const Rect& shown = view.viewRect;
     const Rect& map = currentMap.record.mapRect;
-    view.verticalScrollBar = CreateBar(
-        MakeRect(shown.right, shown.top - 1, shown.right + scrollBarWidth, shown.bottom + 1), map.bottom, shown.top);
-    view.horizontalScrollBar =
-        CreateBar(MakeRect(shown.left - 1, shown.bottom, shown.right + 1, shown.bottom + scrollBarWidth), map.right,
-                  shown.left);
+    view.verticalScrollBar = CreateBar(VerticalBarRect(), map.bottom, shown.top);
+    view.horizontalScrollBar = CreateBar(HorizontalBarRect(), map.right, shown.left);
 
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    SetPort(shell.mapWindow);
-    const Rect corner =
-        MakeRect(shown.right + 1, shown.bottom + 1, shown.right + scrollBarWidth, shown.bottom + scrollBarWidth);
+    const SavedPort saved = UsePort(shell.mapWindow);
+    const Rect corner = ScrollBarCornerRect();
     FillRectColor(&corner, colours.grey187);
-    SetPort(savedPort);
+    RestorePort(saved);
 }
 
 void DestroyScrollBars()

@@ -6,6 +6,79 @@
 #include <algorithm>
 #include <cstdlib>
 
+// ---- layout ----
+
+namespace {
+
+constexpr int scrollBarWidth = 16;
+constexpr int growBoxSize = 16;
+constexpr int growBoxImageWidth = 18;
+constexpr int growBoxImageHeight = 36;
+constexpr int moveStripHeight = 10;
+
+Rect BottomRightOfPort(int width, int height)
+{
+    const Rect& port = shell.mapWindow->portRect;
+    return MakeRect(port.right - width, port.bottom - height, port.right, port.bottom);
+}
+
+} // namespace
+
+Rect ViewRectOfPort()
+{
+    const Rect& port = shell.mapWindow->portRect;
+    const int bar = view.hasScrollBars ? scrollBarWidth : 0;
+    return MakeRect(port.left, port.top, port.right - bar, port.bottom - statusStripHeight - bar);
+}
+
+Rect StatusStripRect()
+{
+    const Rect& port = shell.mapWindow->portRect;
+    return MakeRect(port.left, port.bottom - statusStripHeight, port.right, port.bottom);
+}
+
+Rect MoveStripRect()
+{
+    const Rect& port = shell.mapWindow->portRect;
+    return MakeRect(port.left, port.top, port.right, port.top + moveStripHeight);
+}
+
+Rect GrowBoxRect()
+{
+    return BottomRightOfPort(growBoxSize, growBoxSize);
+}
+
+Rect GrowBoxImageRect()
+{
+    return BottomRightOfPort(growBoxImageWidth, growBoxImageHeight);
+}
+
+Rect VerticalBarRect()
+{
+    const Rect& shown = view.viewRect;
+    return MakeRect(shown.right, shown.top - 1, shown.right + scrollBarWidth, shown.bottom + 1);
+}
+
+Rect HorizontalBarRect()
+{
+    const Rect& shown = view.viewRect;
+    return MakeRect(shown.left - 1, shown.bottom, shown.right + 1, shown.bottom + scrollBarWidth);
+}
+
+Rect ScrollBarCornerRect()
+{
+    const Rect& shown = view.viewRect;
+    return MakeRect(shown.right + 1, shown.bottom + 1, shown.right + scrollBarWidth, shown.bottom + scrollBarWidth);
+}
+
+ContentSize ContentSizeOfMap(bool withScrollBars)
+{
+    const int bar = withScrollBars ? scrollBarWidth : 0;
+    return {MapWidth() + bar, MapHeight() + statusStripHeight + bar};
+}
+
+// ---- size ----
+
 namespace {
 
 // The width of one side of the window frame, from that side of the outer and of the content rectangle on the screen.
@@ -19,30 +92,14 @@ Rect ContentOnScreen()
     Rect content;
     GetWindowContentRect(shell.mapWindow, &content);
     Point corner = {0, 0};
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    SetPort(shell.mapWindow);
+    const SavedPort saved = UsePort(shell.mapWindow);
     LocalToGlobal(&corner);
-    SetPort(savedPort);
+    RestorePort(saved);
     OffsetRect(&content, corner.h, corner.v);
     return content;
 }
 
 } // namespace
-
-Rect ViewRectOfPort()
-{
-    Rect shown = shell.mapWindow->portRect;
-    if (!shell.mapShown && !view.hasScrollBars) {
-        return shown;
-    }
-    shown.bottom = static_cast<int16_t>(shown.bottom - statusStripHeight);
-    if (view.hasScrollBars) {
-        shown.right = static_cast<int16_t>(shown.right - scrollBarWidth);
-        shown.bottom = static_cast<int16_t>(shown.bottom - scrollBarWidth);
-    }
-    return shown;
-}
 
 void TakeClientSize()
 {
@@ -59,19 +116,15 @@ void KeepViewInMap()
         return;
     }
     OffsetRect(&view.viewRect, -std::max(excessH, 0), -std::max(excessV, 0));
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    SetPort(shell.mapWindow);
+    const SavedPort saved = UsePort(shell.mapWindow);
     SetOrigin(view.viewRect.left, view.viewRect.top);
     InvalRect(&shell.mapWindow->portRect);
-    SetPort(savedPort);
+    RestorePort(saved);
 }
 
 void FitWindowToMap()
 {
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    SetPort(shell.mapWindow);
+    const SavedPort saved = UsePort(shell.mapWindow);
     SetOrigin(0, 0);
 
     Rect outer;
@@ -84,8 +137,9 @@ void FitWindowToMap()
 
     const int screenWidth = shell.screenRect.right - shell.screenRect.left;
     const int screenHeight = shell.screenRect.bottom - shell.screenRect.top;
-    const int wantedHeight = MapHeight() + view.frameTop + view.frameBottom + statusStripHeight + scrollBarWidth;
-    const int wantedWidth = MapWidth() + view.frameLeft + frameRight + scrollBarWidth;
+    const ContentSize wanted = ContentSizeOfMap(true);
+    const int wantedWidth = wanted.width + view.frameLeft + frameRight;
+    const int wantedHeight = wanted.height + view.frameTop + view.frameBottom;
     // A map smaller than the smallest window gets the smallest window.
     const int height = std::max(minContentHeight, std::min(wantedHeight, screenHeight));
     const int width = std::max(minContentWidth, std::min(wantedWidth, screenWidth));
@@ -94,13 +148,9 @@ void FitWindowToMap()
 
     InvalRect(nullptr);
     RefreshContentRect(shell.mapWindow);
-    view.viewRect = shell.mapWindow->portRect;
-    view.viewRect.bottom = static_cast<int16_t>(view.viewRect.bottom - statusStripHeight);
-    if (view.hasScrollBars) {
-        view.viewRect = ViewRectOfPort();
-    }
+    view.viewRect = ViewRectOfPort();
     FillRectColor(&shell.mapWindow->portRect, shell.windowBackground);
-    SetPort(savedPort);
+    RestorePort(saved);
 }
 
 int HandleContentClick()
@@ -108,17 +158,13 @@ int HandleContentClick()
     if (!MapWindowExists()) {
         return 0;
     }
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    SetPort(shell.mapWindow);
+    const SavedPort saved = UsePort(shell.mapWindow);
     Point point = currentEvent.where;
     GlobalToLocal(&point);
-    SetPort(savedPort);
+    RestorePort(saved);
 
-    const Rect& port = shell.mapWindow->portRect;
-    const Rect moveStrip = {port.top, port.left, static_cast<int16_t>(port.top + moveStripHeight), port.right};
-    const Rect growBox = {static_cast<int16_t>(port.bottom - growBoxSize),
-                          static_cast<int16_t>(port.right - growBoxSize), port.bottom, port.right};
+    const Rect moveStrip = MoveStripRect();
+    const Rect growBox = GrowBoxRect();
     if (currentEvent.modifiers == optionKey && PtInRect(point, &moveStrip)) {
         MoveMapWindowByHand(currentEvent.where);
         return 1;
@@ -135,12 +181,12 @@ void DoGrow()
     if (!shell.mapShown) {
         return;
     }
-    const int below = statusStripHeight + (view.hasScrollBars ? scrollBarWidth : 0);
+    const ContentSize largest = ContentSizeOfMap(view.hasScrollBars != 0);
+    // The grow box leaves no room for the vertical bar; fitting and the frame do.
     const int maxWidth = std::min<int>(shell.screenRect.right - shell.screenRect.left, MapWidth());
-    const int maxHeight = std::min<int>(shell.screenRect.bottom - shell.screenRect.top, MapHeight() + below);
-    Rect limits;
-    SetRect(&limits, minContentWidth, minContentHeight, std::max(minContentWidth, maxWidth),
-            std::max(minContentHeight, maxHeight));
+    const int maxHeight = std::min<int>(shell.screenRect.bottom - shell.screenRect.top, largest.height);
+    const Rect limits = MakeRect(minContentWidth, minContentHeight, std::max(minContentWidth, maxWidth),
+                                 std::max(minContentHeight, maxHeight));
     const uint32_t size = GrowWindow(0, 0, &limits);
     if (size == 0 || !MapWindowExists()) {
         return;

@@ -5,6 +5,9 @@
 
 #include "toolbox/shell_door.h"
 
+// ComposeMapImage under the wait cursor, then the whole map window is to be repainted.
+void RedrawMapImage();
+
 void ToggleUTMGrid();
 void ToggleUTMCoordinates();
 void ToggleTerrainAnalysis();

@@ -5,9 +5,6 @@
 #include "toolbox/shell_door.h"
 
 constexpr int statusStripHeight = 18;
-constexpr int scrollBarWidth = 16;
-constexpr int growBoxSize = 16;
-constexpr int moveStripHeight = 10;
 constexpr int minContentWidth = 370;
 constexpr int minContentHeight = 300;
 
@@ -15,8 +12,26 @@ bool MapWindowExists();  // false before it is made and after it was destroyed
 void DestroyMapWindow(); // and frees its record; for shutdown
 void MakeProgramTitle(char* title);
 
-// The view rectangle that belongs to the window's port rectangle.
-Rect ViewRectOfPort();
+// ---- layout, in map coordinates: the places in the window's port rectangle ----
+
+Rect ViewRectOfPort(); // what is left for the map beside the strip and, when there are some, the scroll bars
+Rect StatusStripRect();
+Rect MoveStripRect();       // along the top, takes the click that moves the window by hand
+Rect GrowBoxRect();         // the bottom-right corner, takes the click that resizes
+Rect GrowBoxImageRect();    // the right end of the status strip and as much above it
+Rect VerticalBarRect();     // beside the view
+Rect HorizontalBarRect();   // below the view
+Rect ScrollBarCornerRect(); // between the bars
+
+struct ContentSize {
+    int width;
+    int height;
+};
+// The content area that shows the whole map above the status strip, with or without scroll bars.
+ContentSize ContentSizeOfMap(bool withScrollBars);
+
+// ---- size and scroll bars ----
+
 // Takes the window's new client size: port and view rectangles.
 void TakeClientSize();
 // Moves the view back into the map after a change of size, and the drawing origin with it.

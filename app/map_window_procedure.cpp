@@ -1,5 +1,5 @@
 #include "app/map_window.h"
-#include "mapdata/map_record.h"
+#include "toolbox/menus.h"
 #include "toolbox/resources.h"
 #include "toolbox/windows.h"
 
@@ -11,18 +11,11 @@ constexpr int limitWithoutMap = 2000;
 constexpr int minSizingWidth = 500; // while the frame is dragged
 constexpr int minSizingHeight = 200;
 constexpr int lineStep = 20;
-constexpr UINT quitCommand = 106;
-constexpr UINT fileMenuPosition = 0;
 
-int MaxFrameWidth()
+ContentSize LargestFrame()
 {
-    return MapWidth() + 2 * view.frameLeft + (view.hasScrollBars ? scrollBarWidth : 0);
-}
-
-int MaxFrameHeight()
-{
-    return MapHeight() + view.frameTop + view.frameBottom + statusStripHeight +
-           (view.hasScrollBars ? scrollBarWidth : 0);
+    const ContentSize content = ContentSizeOfMap(view.hasScrollBars != 0);
+    return {content.width + 2 * view.frameLeft, content.height + view.frameTop + view.frameBottom};
 }
 
 void GiveSizeLimits(MINMAXINFO* limits)
@@ -35,10 +28,11 @@ void GiveSizeLimits(MINMAXINFO* limits)
     limits->ptMinTrackSize = {minContentWidth, minContentHeight};
     limits->ptMaxPosition = {0, 0};
     // A map smaller than the smallest window leaves the smallest window.
+    const ContentSize largest = LargestFrame();
     limits->ptMaxSize.x =
-        std::max(minContentWidth, std::min<int>(MaxFrameWidth(), shell.screenRect.right - shell.screenRect.left));
+        std::max(minContentWidth, std::min<int>(largest.width, shell.screenRect.right - shell.screenRect.left));
     limits->ptMaxSize.y =
-        std::max(minContentHeight, std::min<int>(MaxFrameHeight(), shell.screenRect.bottom - shell.screenRect.top));
+        std::max(minContentHeight, std::min<int>(largest.height, shell.screenRect.bottom - shell.screenRect.top));
     limits->ptMaxTrackSize = limits->ptMaxSize;
 }
 
@@ -89,8 +83,9 @@ void LimitSizing(WPARAM edge, LPARAM frameAddress)
         setHeight(minSizingHeight);
     }
     // The minimum wins where a small map's maximum lies below it.
-    const int maxWidth = std::max(minSizingWidth, MaxFrameWidth());
-    const int maxHeight = std::max(minSizingHeight, MaxFrameHeight());
+    const ContentSize largest = LargestFrame();
+    const int maxWidth = std::max(minSizingWidth, largest.width);
+    const int maxHeight = std::max(minSizingHeight, largest.height);
     if (frame->right - frame->left > maxWidth) {
         setWidth(maxWidth);
     }
@@ -112,14 +107,10 @@ void TakeSize()
     KeepViewInMap();
     if (view.hasScrollBars) {
         CreateScrollBars();
-        const Rect& port = shell.mapWindow->portRect;
-        const Rect growBox = {static_cast<int16_t>(port.bottom - growBoxSize),
-                              static_cast<int16_t>(port.right - growBoxSize), port.bottom, port.right};
-        WindowPtr savedPort;
-        GetPort(&savedPort);
-        SetPort(shell.mapWindow);
+        const Rect growBox = GrowBoxRect();
+        const SavedPort saved = UsePort(shell.mapWindow);
         FillRectColor(&growBox, colours.grey187);
-        SetPort(savedPort);
+        RestorePort(saved);
     }
 }
 
@@ -149,13 +140,6 @@ int ScrollShift(HWND bar, WPARAM wParam, int pageSize)
     default:
         return 0;
     }
-}
-
-bool QuitIsEnabled(HWND window)
-{
-    constexpr UINT disabled = MF_GRAYED | MF_DISABLED;
-    return (GetMenuState(shell.fileMenu, quitCommand, MF_BYCOMMAND) & disabled) == 0 &&
-           (GetMenuState(GetMenu(window), fileMenuPosition, MF_BYPOSITION) & disabled) == 0;
 }
 
 // The record outlives its window, because the loops that end now still name it as their port.
@@ -225,10 +209,15 @@ LRESULT CALLBACK MapWindowProcedure(HWND window, UINT message, WPARAM wParam, LP
         ScrollMap(1, 0, ScrollShift(view.verticalScrollBar, wParam, view.viewRect.bottom - view.viewRect.top));
         return 0;
     case WM_CLOSE:
-        if (!QuitIsEnabled(window)) {
+        if (IsCommandDisabled(quitCommand)) {
             return 0;
         }
         break;
+    case WM_ENDSESSION:
+        if (wParam != 0) {
+            shell.quitRequested = 1;
+        }
+        return 0;
     case WM_ACTIVATEAPP:
         if (wParam != 0 && isMapWindow) {
             PaintMapWindow();

@@ -7,16 +7,14 @@
 
 namespace {
 
-constexpr int promptList = 10000;
-constexpr int promptIndex = 39;
 constexpr int visibleRest = 50; // how much of the window stays on the screen at its right and bottom
 
 // Waits for the press that takes hold of the window; false when a key ended the wait. The press may lie on the map or
 // on the status strip below it.
 bool WaitForGrab(Point* grab)
 {
-    Rect target = currentMap.record.mapRect;
-    target.bottom = static_cast<int16_t>(target.bottom + statusStripHeight);
+    const Rect& map = currentMap.record.mapRect;
+    const Rect target = MakeRect(map.left, map.top, map.right, map.bottom + statusStripHeight);
     while (shell.quitRequested == 0 && MapWindowExists()) {
         switch (WaitNextEvent(everyEvent, &currentEvent, 0, nullptr)) {
         case mouseDown: {
@@ -60,16 +58,20 @@ void CarryWindow(Point grab)
     SetCursorPos(place.left + offsetH, place.top + offsetV);
     SetCapture(window);
     ScreenOutline(&place);
+    PressWatch watch = {};
     for (;;) {
-        MSG message;
-        const BOOL taken = PeekMessageA(&message, window, 0, 0, PM_REMOVE);
+        MSG message = {};
+        const bool taken = PeekMessageA(&message, window, 0, 0, PM_REMOVE);
         if (!MapWindowExists()) {
             ScreenOutline(&place);
             return;
         }
-        const bool released = taken ? message.message == WM_LBUTTONUP : !StillDown();
-        if (released) {
+        const bool held = StillDown() != 0;
+        if (PressHasEnded(&watch, held, taken && message.message == WM_LBUTTONUP)) {
             break;
+        }
+        if (!taken && !held) {
+            continue; // only the release is still to come
         }
         Point pointer;
         GetMouse(&pointer);
@@ -86,7 +88,7 @@ void CarryWindow(Point grab)
             ScreenOutline(&place);
             place = candidate;
             ScreenOutline(&place);
-            SetPt(&grab, grab.h + dh, grab.v + dv);
+            grab = MakePoint(grab.h + dh, grab.v + dv);
         }
         SetCursorPos(place.left + offsetH, place.top + offsetV);
     }
@@ -99,10 +101,8 @@ void CarryWindow(Point grab)
 
 void MoveMapWindowByHand(Point click)
 {
-    SetStatusText(1, promptList, promptIndex, "");
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    SetPort(shell.mapWindow);
+    SetStatusText(1, movePromptText);
+    const SavedPort saved = UsePort(shell.mapWindow);
     SetCursorById(moveWindowCursor);
     Point grab = click;
     const bool grabbed = WaitForGrab(&grab);
@@ -114,5 +114,5 @@ void MoveMapWindowByHand(Point click)
     if (grabbed) {
         CarryWindow(grab);
     }
-    SetPort(savedPort);
+    RestorePort(saved);
 }

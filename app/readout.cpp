@@ -1,31 +1,15 @@
-#include "app/commands.h"
 #include "app/map_views.h"
 #include "app/map_window.h"
-#include "mapdata/map_record.h"
+#include "mapdata/terrain.h"
 #include "toolbox/drawing.h"
 #include "toolbox/menus.h"
 #include "toolbox/resources.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr int metresPerPixel = 10;
-constexpr int generalList = 4000;
-constexpr int noGoList = 8000;
-constexpr int utmPrefixIndex = 100;
-
-struct NameRow {
-    int value;
-    int index; // of its text
-};
-
-const NameRow featureNames[] = {{cellRoad, 29}, {cellWoods, 27}, {cellTown, 28}};
-const NameRow moveCostNames[] = {{0, 25}, {1, 189}, {2, 190}, {3, 191}, {4, 192}, {6, 87}};
-
-void AppendName(char* text, int list, int index)
-{
-    AppendBlank(text);
-    AppendIndString(text, list, index);
-}
 
 // Two digits of kilometres, wrapping at 100, and one of hundreds of metres.
 void AppendCoordinate(char* text, int metres, int originKilometres)
@@ -52,7 +36,7 @@ void ToggleCursorReadout()
         shell.cursorReadoutOn = 1;
     }
     PlaySoundResource(readoutSound);
-    CheckItem(shell.viewMenu, readoutItem, static_cast<int>(shell.cursorReadoutOn));
+    CheckCommand(cursorReadoutCommand, static_cast<int>(shell.cursorReadoutOn));
 }
 
 void UpdateCursorReadout()
@@ -60,12 +44,10 @@ void UpdateCursorReadout()
     if (!shell.cursorReadoutOn || !MapWindowExists()) {
         return;
     }
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    SetPort(shell.mapWindow);
+    const SavedPort saved = UsePort(shell.mapWindow);
     Point pointer;
     GetMouse(&pointer);
-    SetPort(savedPort);
+    RestorePort(saved);
     if (!EqualPt(pointer, shell.lastReadoutPoint) && PtInRect(pointer, &currentMap.record.mapRect)) {
         ShowCursorReadout(pointer);
     }
@@ -81,7 +63,7 @@ void ShowCursorReadout(Point point)
     char text[textBufferSize];
     char reference[textBufferSize];
     FormatGridReference(reference, point.h, point.v);
-    GetIndString(text, generalList, utmPrefixIndex);
+    GetText(text, utmPrefixText);
     AppendText(text, reference);
     AppendBlank(text);
     AppendChar(text, 'E');
@@ -104,18 +86,19 @@ void DescribeCell(int column, int row, char* buffer)
     if (cell == nullptr) {
         return;
     }
-    for (const NameRow& feature : featureNames) {
-        if (*cell & feature.value) {
-            AppendName(buffer, generalList, feature.index);
-        }
+    // The names in their order: few places, few rows.
+    int lastPlace = 0;
+    for (const TerrainRow& terrain : TerrainRows()) {
+        lastPlace = std::max(lastPlace, terrain.readout.place);
     }
-    for (const NameRow& cost : moveCostNames) {
-        if (*cell >> cellMoveCostShift == cost.value) {
-            AppendName(buffer, generalList, cost.index);
+    for (int place = 1; place <= lastPlace; place++) {
+        for (const TerrainRow& terrain : TerrainRows()) {
+            const bool held =
+                terrain.group == noGoTerrain ? &terrain == NearestNoGoOf(*cell) : HoldsTerrain(*cell, terrain);
+            if (held && terrain.readout.place == place) {
+                AppendBlank(buffer);
+                AppendText(buffer, terrain.readout.text);
+            }
         }
-    }
-    const int level = (*cell & cellNoGoMask) >> cellNoGoShift;
-    if (level != 0) {
-        AppendName(buffer, noGoList, level == 4 ? 34 : level == 2 ? 35 : 36);
     }
 }

@@ -4,6 +4,7 @@
 #include "editing/editing.h"
 #include "mapdata/map_record.h"
 #include "toolbox/drawing.h"
+#include "toolbox/menus.h"
 #include "toolbox/offscreen.h"
 #include "toolbox/resources.h"
 #include "toolbox/windows.h"
@@ -112,7 +113,7 @@ int RegisterWindowClasses()
 void InitApplication()
 {
     SetStartValues();
-    SetRect(&shell.screenRect, 0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN));
+    shell.screenRect = MakeRect(0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN));
     shell.acceleratorTable = LoadAcceleratorsA(shell.appInstance, "KESTRELACCEL");
     CreateMapWindow();
     if (shell.mapWindow == nullptr) {
@@ -121,12 +122,7 @@ void InitApplication()
         return;
     }
 
-    const HMENU menuBar = GetMenu(shell.mapWindow->window);
-    shell.fileMenu = GetSubMenu(menuBar, 0);
-    shell.editMenu = GetSubMenu(menuBar, 1);
-    shell.viewMenu = GetSubMenu(menuBar, 2);
-    shell.helpMenu = GetSubMenu(menuBar, 3);
-
+    KeepMenus(GetMenu(shell.mapWindow->window));
     SetNamedColours();
     SetPort(shell.mapWindow);
     ForeColor(colours.black);
@@ -238,7 +234,9 @@ int LoadInterfaceBitmap()
     return 0;
 }
 
-static void DisposeInterfaceBitmap()
+namespace {
+
+void DisposeInterfaceBitmap()
 {
     if (shell.interfaceDC == nullptr) {
         return;
@@ -251,6 +249,8 @@ static void DisposeInterfaceBitmap()
     shell.interfaceBitmap = nullptr;
     shell.interfaceDisplaced = nullptr;
 }
+
+} // namespace
 
 void ReleaseMapResources()
 {

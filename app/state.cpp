@@ -1,6 +1,16 @@
 // All state of the program on one page. A test resets a record by assigning it a fresh one.
+//
+// Named here but kept in one file each, because no other may read it and it means nothing from one use to the next:
+//   toolbox/pointer_trail.cpp  the press that is being followed
+//   toolbox/windows.cpp        the paint record between BeginUpdate and EndUpdate
+//   toolbox/sounds.cpp         the sound slots, all empty
+//   mapdata/rescue_files.cpp   the lock that says that this program runs
+// The platform layer's state is not the program's but what a system would keep: windows, messages and input in
+// platform/user/state.h, the rest beside the functions that own it.
 #include "editing/editing.h"
-#include "mapdata/map_record.h"
+#include "mapdata/rescue.h"
+#include "toolbox/drawing.h"
+#include "toolbox/events.h"
 #include "toolbox/shell_door.h"
 
 ShellState shell;
@@ -8,3 +18,6 @@ ViewState view;
 Colours colours;
 CurrentMap currentMap;
 EditingState editing;
+RescueState rescue;
+WindowPtr currentPort;
+EventRecord currentEvent;

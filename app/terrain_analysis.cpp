@@ -1,116 +1,130 @@
-#include "app/commands.h"
 #include "app/map_views.h"
 #include "app/map_window.h"
-#include "mapdata/map_record.h"
+#include "editing/overlay.h"
+#include "mapdata/terrain.h"
 #include "toolbox/drawing.h"
 #include "toolbox/menus.h"
 #include "toolbox/offscreen.h"
 #include "toolbox/resources.h"
 
 #include <algorithm>
+#include <iterator>
 #include <vector>
 
 namespace {
 
-constexpr int markInset = 3; // Woods and Town marks are the cell's 4 by 4 centre
+constexpr int markInset = 3; // a centre is the cell's 4 by 4 pixels
 
-// What a cell's square is filled with.
-enum Ground { roadGround, clearGround, rough1Ground, rough2Ground, rough3Ground, rough4Ground, waterGround };
-constexpr int groundCount = 7;
+// What a cell's square is filled with: the place of a row in the terrain table, or one of these.
 constexpr int artGround = -1;  // left as it is
 constexpr int tileGround = -2; // a NO-GO tile
 
-constexpr COLORREF groundColours[groundCount] = {
-    PALETTERGB(255, 255, 255), PALETTERGB(221, 221, 221), PALETTERGB(153, 153, 153), PALETTERGB(102, 102, 102),
-    PALETTERGB(85, 85, 85),    PALETTERGB(0, 0, 0),       PALETTERGB(166, 202, 240),
-};
-constexpr COLORREF woodsColour = PALETTERGB(102, 204, 102);
-constexpr COLORREF townColour = PALETTERGB(153, 0, 51);
-constexpr COLORREF hiLowColour = PALETTERGB(154, 104, 52);
-
-struct AnalysisBrushes {
-    HBRUSH ground[groundCount];
-    HBRUSH woods;
-    HBRUSH town;
-    HBRUSH hiLow;
+// What the feature bits of a cell add to it.
+struct FeatureLook {
+    const TerrainRow* square;
+    const TerrainRow* centre;
+    const TerrainRow* frame;
 };
 
-AnalysisBrushes CreateBrushes()
+// The terrain table as the picture needs it: looked up by the bits of a cell instead of searched for every cell.
+struct Looks {
+    FeatureLook ofFeatures[cellFeatureBits + 1];
+    int moveCostGround[1 << (16 - cellMoveCostShift)];
+    int moveCostPrecedence;
+    int tilePrecedence;
+    std::vector<HBRUSH> brushes; // of every row
+};
+
+int PlaceOf(const TerrainRow* row)
 {
-    AnalysisBrushes brushes;
-    for (int i = 0; i < groundCount; i++) {
-        brushes.ground[i] = CreateSolidBrush(groundColours[i]);
-    }
-    brushes.woods = CreateSolidBrush(woodsColour);
-    brushes.town = CreateSolidBrush(townColour);
-    brushes.hiLow = CreateSolidBrush(hiLowColour);
-    return brushes;
+    return static_cast<int>(row - TerrainRows().data());
 }
 
-void DeleteBrushes(const AnalysisBrushes& brushes)
+void TakeHigher(const TerrainRow** shown, const TerrainRow& row)
 {
-    for (const HBRUSH brush : brushes.ground) {
+    if (*shown == nullptr || row.analysis.precedence > (*shown)->analysis.precedence) {
+        *shown = &row;
+    }
+}
+
+FeatureLook LookOfFeatures(TerrainCell cell)
+{
+    FeatureLook look = {};
+    for (const TerrainRow& row : TerrainRows(featureTerrain)) {
+        if (!HoldsTerrain(cell, row)) {
+            continue;
+        }
+        if (row.analysis.look == squareLook) {
+            TakeHigher(&look.square, row);
+        } else if (row.analysis.look == centreLook) {
+            TakeHigher(&look.centre, row);
+        } else if (row.analysis.look == frameLook) {
+            TakeHigher(&look.frame, row);
+        }
+    }
+    return look;
+}
+
+Looks PrepareLooks()
+{
+    Looks looks = {};
+    for (int bits = 0; bits <= cellFeatureBits; bits++) {
+        looks.ofFeatures[bits] = LookOfFeatures(static_cast<TerrainCell>(bits));
+    }
+    std::fill(std::begin(looks.moveCostGround), std::end(looks.moveCostGround), artGround);
+    for (const TerrainRow& row : TerrainRows(moveCostTerrain)) {
+        looks.moveCostGround[MoveCostCodeOf(row.value)] = PlaceOf(&row);
+        looks.moveCostPrecedence = row.analysis.precedence;
+    }
+    looks.tilePrecedence = TerrainRows(noGoTerrain).front().analysis.precedence;
+    for (const TerrainRow& row : TerrainRows()) {
+        looks.brushes.push_back(CreateSolidBrush(row.analysis.colour));
+    }
+    return looks;
+}
+
+void ReleaseLooks(const Looks& looks)
+{
+    for (const HBRUSH brush : looks.brushes) {
         DeleteObject(brush);
     }
-    DeleteObject(brushes.woods);
-    DeleteObject(brushes.town);
-    DeleteObject(brushes.hiLow);
 }
 
-int GroundOf(TerrainCell cell)
+const FeatureLook& LookOf(const Looks& looks, TerrainCell cell)
 {
-    if (cell & cellRoad) {
-        return roadGround;
+    return looks.ofFeatures[cell & cellFeatureBits];
+}
+
+int GroundOf(const Looks& looks, TerrainCell cell)
+{
+    const TerrainRow* square = LookOf(looks, cell).square;
+    const bool isNoGo = (cell & cellNoGoMask) != 0;
+    const int below = isNoGo ? looks.tilePrecedence : looks.moveCostPrecedence;
+    if (square != nullptr && square->analysis.precedence > below) {
+        return PlaceOf(square);
     }
-    if (cell & cellNoGoMask) {
-        return tileGround;
-    }
-    switch (cell >> cellMoveCostShift) {
-    case 0:
-        return clearGround;
-    case 1:
-        return rough1Ground;
-    case 2:
-        return rough2Ground;
-    case 3:
-        return rough3Ground;
-    case 4:
-        return rough4Ground;
-    case 6:
-        return waterGround;
-    default:
-        return artGround;
-    }
+    return isNoGo ? tileGround : looks.moveCostGround[MoveCostCodeOf(cell)];
 }
 
 Rect CellsRect(int firstColumn, int endColumn, int row)
 {
-    return {static_cast<int16_t>(row * cellSize), static_cast<int16_t>(firstColumn * cellSize),
-            static_cast<int16_t>((row + 1) * cellSize), static_cast<int16_t>(endColumn * cellSize)};
-}
-
-void CopyNoGoTile(TerrainCell cell, const Rect& place)
-{
-    const int level = (cell & cellNoGoMask) >> cellNoGoShift;
-    const int16_t left = level == 4 ? 76 : level == 2 ? 65 : 54;
-    const Rect tile = {289, left, 299, static_cast<int16_t>(left + cellSize)};
-    CopyFromInterfaceBitmap(view.mapImage, &tile, &place);
+    return MakeRect(firstColumn * cellSize, row * cellSize, endColumn * cellSize, (row + 1) * cellSize);
 }
 
 // Fills the squares of a row, neighbours of one ground together.
-void FillRowGround(int row, const AnalysisBrushes& brushes)
+void FillRowGround(int row, const Looks& looks)
 {
     const int columns = currentMap.record.columnCount;
     int start = 0;
     while (start < columns) {
-        const int ground = GroundOf(currentMap.cellColumns[start][row]);
+        const int ground = GroundOf(looks, currentMap.cellColumns[start][row]);
         int end = start + 1;
-        while (end < columns && GroundOf(currentMap.cellColumns[end][row]) == ground) {
+        while (end < columns && GroundOf(looks, currentMap.cellColumns[end][row]) == ground) {
             end++;
         }
         if (ground >= 0) {
             const Rect stretch = CellsRect(start, end, row);
-            FillRectBrush(&stretch, brushes.ground[ground]);
+            FillRectBrush(&stretch, looks.brushes[static_cast<size_t>(ground)]);
         }
         start = end;
     }
@@ -118,31 +132,31 @@ void FillRowGround(int row, const AnalysisBrushes& brushes)
 
 // ---- cells one by one ----
 
-void DrawCellMarks(TerrainCell cell, const Rect& place, const AnalysisBrushes& brushes)
+HBRUSH BrushOf(const Looks& looks, const TerrainRow* row)
 {
-    const Rect centre = {static_cast<int16_t>(place.top + markInset), static_cast<int16_t>(place.left + markInset),
-                         static_cast<int16_t>(place.bottom - markInset),
-                         static_cast<int16_t>(place.right - markInset)};
-    const bool showsTile = GroundOf(cell) == tileGround;
-    if (showsTile) {
-        CopyNoGoTile(cell, place);
+    return looks.brushes[static_cast<size_t>(PlaceOf(row))];
+}
+
+void DrawCellMarks(TerrainCell cell, const Rect& place, const Looks& looks)
+{
+    const FeatureLook& look = LookOf(looks, cell);
+    if (GroundOf(looks, cell) == tileGround) {
+        DrawNoGoTile(view.mapImage, NearestNoGoOf(cell), place, place);
+    } else if (look.centre != nullptr) {
+        Rect centre = place;
+        OutsetRect(&centre, -markInset, -markInset);
+        FillRectBrush(&centre, BrushOf(looks, look.centre));
     }
-    if ((cell & cellWoods) && !showsTile) {
-        FillRectBrush(&centre, brushes.woods);
-    }
-    if ((cell & cellTown) && !showsTile) {
-        FillRectBrush(&centre, brushes.town);
-    }
-    if (cell & cellHiLow) {
-        FrameRectBrush(&place, brushes.hiLow);
+    if (look.frame != nullptr) {
+        FrameRectBrush(&place, BrushOf(looks, look.frame));
     }
 }
 
-void DrawRowCellByCell(int row, const AnalysisBrushes& brushes)
+void DrawRowCellByCell(int row, const Looks& looks)
 {
-    FillRowGround(row, brushes);
+    FillRowGround(row, looks);
     for (int column = 0; column < currentMap.record.columnCount; column++) {
-        DrawCellMarks(currentMap.cellColumns[column][row], CellsRect(column, column + 1, row), brushes);
+        DrawCellMarks(currentMap.cellColumns[column][row], CellsRect(column, column + 1, row), looks);
     }
 }
 
@@ -176,32 +190,37 @@ void PrepareRowLines(RowLines* lines)
     }
 }
 
-void ComposeCell(TerrainCell cell, int ground, DWORD* border, DWORD* side, DWORD* middle)
+DWORD PixelOf(const TerrainRow& row)
 {
-    const DWORD groundPixel = DibPixel(groundColours[ground]);
-    const DWORD edgePixel = cell & cellHiLow ? DibPixel(hiLowColour) : groundPixel;
+    return DibPixel(row.analysis.colour);
+}
+
+void ComposeCell(const FeatureLook& look, const TerrainRow& ground, DWORD* border, DWORD* side, DWORD* middle)
+{
+    const DWORD groundPixel = PixelOf(ground);
+    const DWORD edgePixel = look.frame != nullptr ? PixelOf(*look.frame) : groundPixel;
     std::fill_n(border, cellSize, edgePixel);
     std::fill_n(side, cellSize, groundPixel);
     std::fill_n(middle, cellSize, groundPixel);
-    if (cell & (cellWoods | cellTown)) {
-        std::fill_n(middle + markInset, cellSize - 2 * markInset,
-                    DibPixel(cell & cellTown ? townColour : woodsColour));
+    if (look.centre != nullptr) {
+        std::fill_n(middle + markInset, cellSize - 2 * markInset, PixelOf(*look.centre));
     }
     side[0] = side[cellSize - 1] = middle[0] = middle[cellSize - 1] = edgePixel;
 }
 
 // False when a cell of the row shows the art.
-bool ComposeRow(RowLines* lines, int row)
+bool ComposeRow(RowLines* lines, int row, const Looks& looks)
 {
+    const TerrainRow* table = TerrainRows().data();
     for (int column = 0; column < currentMap.record.columnCount; column++) {
         const TerrainCell cell = currentMap.cellColumns[column][row];
-        const int ground = GroundOf(cell);
+        const int ground = GroundOf(looks, cell);
         if (ground == artGround) {
             return false;
         }
         // A tile will cover its square, whatever colour that has.
         const size_t start = static_cast<size_t>(column) * cellSize;
-        ComposeCell(cell, std::max<int>(ground, roadGround), &lines->border[start], &lines->side[start],
+        ComposeCell(LookOf(looks, cell), table[std::max(ground, 0)], &lines->border[start], &lines->side[start],
                     &lines->middle[start]);
     }
     return true;
@@ -214,7 +233,7 @@ void CopyLine(const RowLines& lines, const std::vector<DWORD>& line, int top, in
                   SRCCOPY);
 }
 
-void DrawRowFromLines(const RowLines& lines, int row, const AnalysisBrushes& brushes)
+void DrawRowFromLines(const RowLines& lines, int row, const Looks& looks)
 {
     constexpr int sideHeight = markInset - 1;
     const int top = row * cellSize;
@@ -225,22 +244,22 @@ void DrawRowFromLines(const RowLines& lines, int row, const AnalysisBrushes& bru
     CopyLine(lines, lines.border, top + cellSize - 1, 1);
     for (int column = 0; column < currentMap.record.columnCount; column++) {
         const TerrainCell cell = currentMap.cellColumns[column][row];
-        if (GroundOf(cell) == tileGround) {
-            DrawCellMarks(cell, CellsRect(column, column + 1, row), brushes);
+        if (GroundOf(looks, cell) == tileGround) {
+            DrawCellMarks(cell, CellsRect(column, column + 1, row), looks);
         }
     }
 }
 
 // Repeating a row's lines takes little more than writing its pixels once, a fill for every square many times that.
-void DrawRows(const AnalysisBrushes& brushes)
+void DrawRows(const Looks& looks)
 {
     RowLines lines = {};
     PrepareRowLines(&lines);
     for (int row = 0; row < currentMap.record.rowCount; row++) {
-        if (ComposeRow(&lines, row)) {
-            DrawRowFromLines(lines, row, brushes);
+        if (ComposeRow(&lines, row, looks)) {
+            DrawRowFromLines(lines, row, looks);
         } else {
-            DrawRowCellByCell(row, brushes);
+            DrawRowCellByCell(row, looks);
         }
     }
 }
@@ -252,24 +271,17 @@ void RenderTerrainAnalysis()
     if (view.mapImage == nullptr) {
         return;
     }
-    const AnalysisBrushes brushes = CreateBrushes();
-    WindowPtr savedPort;
-    uintptr_t savedDevice;
-    GetGWorld(&savedPort, &savedDevice);
-    SetGWorld(view.mapImage, 0);
-    DrawRows(brushes);
-    SetPort(savedPort);
-    DeleteBrushes(brushes);
+    const Looks looks = PrepareLooks();
+    const SavedPort saved = UsePort(view.mapImage);
+    DrawRows(looks);
+    RestorePort(saved);
+    ReleaseLooks(looks);
     RedrawUTMGridIfShown();
 }
 
 void ToggleTerrainAnalysis()
 {
     view.terrainAnalysisOn = view.terrainAnalysisOn == 0 ? 1 : 0;
-    CheckItem(shell.viewMenu, analysisItem, view.terrainAnalysisOn);
-    SetCursorById(waitCursor);
-    LoadMapArt();
-    RedrawUTMGridIfShown();
-    InitCursor();
-    InvalidateMapRect(nullptr);
+    CheckCommand(terrainAnalysisCommand, view.terrainAnalysisOn);
+    RedrawMapImage();
 }

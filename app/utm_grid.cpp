@@ -1,10 +1,8 @@
-#include "app/commands.h"
 #include "app/map_views.h"
 #include "app/map_window.h"
 #include "mapdata/map_record.h"
 #include "toolbox/drawing.h"
 #include "toolbox/menus.h"
-#include "toolbox/offscreen.h"
 #include "toolbox/resources.h"
 
 namespace {
@@ -61,17 +59,10 @@ void DrawNorthings(const Rect& grid)
     }
 }
 
-// Draws the picture anew, art or analysis, without the grid.
-void RedrawMapImage()
-{
-    SetCursorById(waitCursor);
-    LoadMapArt();
-}
-
 void CheckGridItems()
 {
-    CheckItem(shell.viewMenu, gridItem, view.utmGridMode != 0);
-    CheckItem(shell.viewMenu, gridLabelsItem, view.utmGridMode == 2);
+    CheckCommand(utmGridCommand, view.utmGridMode != 0);
+    CheckCommand(utmCoordinatesCommand, view.utmGridMode == 2);
 }
 
 } // namespace
@@ -81,8 +72,6 @@ void ToggleUTMGrid()
     if (view.utmGridMode != 0) {
         view.utmGridMode = 0;
         RedrawMapImage();
-        InitCursor();
-        InvalidateMapRect(nullptr);
     } else {
         view.utmGridMode = 1;
         DrawUTMGrid();
@@ -95,9 +84,6 @@ void ToggleUTMCoordinates()
     if (view.utmGridMode == 2) {
         view.utmGridMode = 1;
         RedrawMapImage();
-        DrawUTMGrid();
-        InitCursor();
-        InvalidateMapRect(nullptr);
     } else {
         view.utmGridMode = 2;
         DrawUTMGrid();
@@ -110,32 +96,13 @@ void DrawUTMGrid()
     if (view.mapImage == nullptr || !MapWindowExists()) {
         return;
     }
-    WindowPtr savedPort;
-    uintptr_t savedDevice;
-    GetGWorld(&savedPort, &savedDevice);
-    SetGWorld(view.mapImage, 0);
-    const int32_t number = view.mapImage->fontNumber;
-    const int32_t size = view.mapImage->fontSize;
-    const int32_t style = view.mapImage->fontStyle;
-    const COLORREF foreColour = view.mapImage->foreColour;
-    const COLORREF backColour = view.mapImage->backColour;
-    COLORREF savedText;
-    COLORREF savedBack;
-    GetTextForeColor(&savedText);
-    GetTextBackColor(&savedBack);
-
+    const SavedDrawing saved = BeginDrawing(view.mapImage);
     BackColor(labelBackground);
     TextForeColor(colours.black);
-    SetPortFont(fontCourier, 10, style);
+    SetPortFont(fontCourier, 10, view.mapImage->fontStyle);
     DrawEastings(currentMap.editableRect);
     DrawNorthings(currentMap.editableRect);
-
-    SetTextForeColor(&savedText);
-    SetTextBackColor(&savedBack);
-    view.mapImage->foreColour = foreColour;
-    view.mapImage->backColour = backColour;
-    SetPortFont(number, size, style);
-    SetPort(savedPort);
+    EndDrawing(saved);
     InvalidateMapRect(&shell.mapWindow->portRect);
 }
 

@@ -133,7 +133,7 @@ void StrokeCell(benchmark::State& state)
     SetPort(shell.mapWindow);
     int column = 0;
     for (auto _ : state) {
-        PaintFeatureCell(column, 20, toggleCell);
+        ChangeFeatureCell(column, 20, toggleCell);
         GdiFlush();
         column = (column + 1) % 100;
     }

@@ -55,17 +55,17 @@ int RunUntilButton(WindowPtr dialog, int buttonCount, bool keepOnTop)
 
 constexpr TextBlock messageBlock = {10, 40};
 
-void AddMessage(WindowPtr dialog, int width, int height, const char* text)
+void AddMessage(WindowPtr dialog, int width, int height, const char* text, const TextBlock& block)
 {
-    AddStaticText(dialog, messageBlock.margin, messageBlock.margin, width - messageBlock.margin,
-                  height - messageBlock.room, text);
+    const Rect place = MakeRect(block.margin, block.margin, width - block.margin, height - block.room);
+    AddItem(dialog, {staticTextItem, place, text});
 }
 
-void AddAnswerButton(WindowPtr dialog, int left, int height, int index, int32_t itemID)
+void AddAnswerButton(WindowPtr dialog, int left, int height, TextID textID, int32_t itemID)
 {
     char text[textBufferSize];
-    GetIndString(text, 15000, index);
-    AddPushButton(dialog, left, height - 30, left + 50, height - 10, text, itemID);
+    GetText(text, textID);
+    AddItem(dialog, {pushButtonItem, MakeRect(left, height - 30, left + 50, height - 10), text, itemID});
 }
 
 void TakeText(char* buffer, bool fromTable, int list, int index, const char* text)
@@ -82,8 +82,6 @@ void TakeText(char* buffer, bool fromTable, int list, int index, const char* tex
 
 void MessageAlert(int width, int height, int sound, int list, int index, const char* text)
 {
-    WindowPtr savedPort = nullptr;
-    GetPort(&savedPort);
     InitCursor();
     DisableMenuTitles();
     if (width == 0 && height == 0) {
@@ -99,7 +97,7 @@ void MessageAlert(int width, int height, int sound, int list, int index, const c
     }
     AddOKButton(dialog, width - 60, height - 30, width - 10, height - 10);
     SetDefaultButton(dialog, 1);
-    AddMessage(dialog, width, height, message);
+    AddMessage(dialog, width, height, message, messageBlock);
     if (sound != 0) {
         PlaySoundResource(sound);
     }
@@ -108,14 +106,16 @@ void MessageAlert(int width, int height, int sound, int list, int index, const c
     RunUntilButton(dialog, 1, false);
     AdjustMenus();
     DisposeMockDialog(dialog);
-    SetPort(savedPort);
     PaintMapWindow();
+}
+
+void MessageAlert(int width, int height, int sound, TextID text)
+{
+    MessageAlert(width, height, sound, ListOf(text), IndexOf(text), nullptr);
 }
 
 int YesNoAlert(int width, int height, int list, int index, const char* text)
 {
-    WindowPtr savedPort = nullptr;
-    GetPort(&savedPort);
     DisableAllMenus();
     if (shell.mapWindow != nullptr) {
         DrawMenuBar(shell.mapWindow->window);
@@ -131,17 +131,21 @@ int YesNoAlert(int width, int height, int list, int index, const char* text)
         AdjustMenus();
         return 0;
     }
-    AddAnswerButton(dialog, width - 60, height, 68, answerYes);
-    AddAnswerButton(dialog, width - 120, height, 69, answerNo);
+    AddAnswerButton(dialog, width - 60, height, yesButtonText, answerYes);
+    AddAnswerButton(dialog, width - 120, height, noButtonText, answerNo);
     SetDefaultButton(dialog, 2);
-    AddMessage(dialog, width, height, question);
+    AddMessage(dialog, width, height, question, messageBlock);
     ShowWindowInactive(dialog);
     DrawMockDialog(dialog, false);
     const int answer = RunUntilButton(dialog, 2, true);
     AdjustMenus();
     DisposeMockDialog(dialog);
-    SetPort(savedPort);
     return answer == answerYes;
+}
+
+int YesNoAlert(int width, int height, TextID text)
+{
+    return YesNoAlert(width, height, ListOf(text), IndexOf(text), nullptr);
 }
 
 int TwoButtonAlert(const char* message, const char* firstText, const char* secondText)
@@ -150,8 +154,6 @@ int TwoButtonAlert(const char* message, const char* firstText, const char* secon
     constexpr TextBlock block = {6, 32};
     constexpr int narrowButton = 68;
     constexpr int secondRight = 205;
-    WindowPtr savedPort = nullptr;
-    GetPort(&savedPort);
     InitCursor();
     int height = 79;
     const WindowPtr dialog = NewTextDialog(width, &height, message, block);
@@ -166,22 +168,22 @@ int TwoButtonAlert(const char* message, const char* firstText, const char* secon
         firstLeft = 10;
         buttonWidth = firstTextWidth + 10;
     }
-    AddPushButton(dialog, firstLeft, top, firstLeft + buttonWidth, top + 20, firstText, okItemID);
+    AddItem(dialog,
+            {pushButtonItem, MakeRect(firstLeft, top, firstLeft + buttonWidth, top + 20), firstText, okItemID});
     int secondLeft = secondRight - narrowButton;
     const int secondTextWidth = ButtonTextWidth(dialog, secondText);
     if (secondTextWidth > buttonWidth) {
         secondLeft = secondRight - (secondTextWidth + 10);
     }
-    AddPushButton(dialog, secondLeft, top, secondRight, top + 20, secondText, cancelItemID);
+    AddItem(dialog, {pushButtonItem, MakeRect(secondLeft, top, secondRight, top + 20), secondText, cancelItemID});
     SetDefaultButton(dialog, 2);
-    AddStaticText(dialog, block.margin, block.margin, width - block.margin, height - block.room, message);
+    AddMessage(dialog, width, height, message, block);
     ShowWindowInactive(dialog);
     DrawMockDialog(dialog, true);
     PlaySoundResource(refusalSound);
     PlaySoundResource(refusalSound);
     const int button = RunUntilButton(dialog, 2, false);
     DisposeMockDialog(dialog);
-    SetPort(savedPort);
     return button != 0 ? button : 2;
 }
 
@@ -190,9 +192,9 @@ void MemoryAlert()
     char message[textBufferSize];
     char quitText[textBufferSize];
     char continueText[textBufferSize];
-    GetIndString(message, 15000, 18);
-    GetIndString(quitText, 6000, 15);
-    GetIndString(continueText, 6000, 14);
+    GetText(message, memoryErrorText);
+    GetText(quitText, quitButtonText);
+    GetText(continueText, continueButtonText);
     if (TwoButtonAlert(message, quitText, continueText) == 1) {
         RequestQuit();
     }

@@ -45,16 +45,25 @@ struct DialogItem {
 
 // A hidden pop-up of that content size at topLeft (screen), or centred on the screen when null. Null on failure.
 WindowPtr NewMockDialog(int frameStyle, int width, int height, const char* title, const Point* topLeft);
-// rects: the item's, then up to four image rectangles (states 0, 2, 1, 3). More than two make the item track the
-// mouse. colour: text colour of static and edit texts, the initial state of check boxes. Null when memory is short.
+// What AddItem is made of. rects: the item's, then up to four image rectangles (states 0, 2, 1, 3). More than two
+// make the item track the mouse. colour: text colour of static and edit texts, the initial state of check boxes. Null
+// when memory is short.
 DialogItem* AddDialogItem(WindowPtr dialog, int rectCount, const Rect* rects, const char* text, int textH, int textV,
                           int visible, COLORREF colour, int kind, int32_t itemID, int textStyle, int textSize);
+
+// An item as its dialog describes it. The kind settles what is not said here: text colour, style and size, the images
+// of a check box, which begins off, and whether a press is tracked.
+struct DialogItemSpec {
+    int kind;              // DialogItemKindNumber
+    Rect place = {};       // the kinds of the title bar have a place of their own
+    const char* text = ""; // copied
+    int32_t itemID = 0;
+    bool digitsOnly = false; // of an edit text
+};
+// Appends the item. Null when memory is short.
+DialogItem* AddItem(WindowPtr dialog, const DialogItemSpec& spec);
 DialogItem* AddOKButton(WindowPtr dialog, int left, int top, int right, int bottom);
 DialogItem* AddCancelButton(WindowPtr dialog, int left, int top, int right, int bottom);
-// The two kinds of item that dialogs add most, with their usual colour, size and style.
-DialogItem* AddPushButton(WindowPtr dialog, int left, int top, int right, int bottom, const char* text,
-                          int32_t itemID);
-DialogItem* AddStaticText(WindowPtr dialog, int left, int top, int right, int bottom, const char* text);
 
 void DrawMockDialog(WindowPtr dialog, bool inUpdate);
 // Frees the items and the record and destroys the window. None is ignored.

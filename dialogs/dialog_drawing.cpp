@@ -17,15 +17,13 @@ constexpr int titleBaseline = 14;
 
 void HorizontalLine(int left, int right, int v, COLORREF colour)
 {
-    Rect line;
-    SetRect(&line, left, v, right + 1, v + 1);
+    const Rect line = MakeRect(left, v, right + 1, v + 1);
     FillRectColor(&line, colour);
 }
 
 void VerticalLine(int h, int top, int bottom, COLORREF colour)
 {
-    Rect line;
-    SetRect(&line, h, top, h + 1, bottom + 1);
+    const Rect line = MakeRect(h, top, h + 1, bottom + 1);
     FillRectColor(&line, colour);
 }
 
@@ -74,8 +72,7 @@ void DrawDialogFrame(WindowPtr dialog)
         return;
     }
     DrawBevel(Inset(port, 1), Grey(0x77), Grey(0x33));
-    Rect body = Inset(port, 3);
-    body.top = static_cast<int16_t>(port.top + 18);
+    const Rect body = MakeRect(port.left + 3, port.top + 18, port.right - 3, port.bottom - 3);
     DrawBevel(body, Grey(0x33), Grey(0xAA));
     HorizontalLine(body.left, body.right - 1, body.top, Grey(0x33));
 
@@ -107,9 +104,7 @@ void DrawTitleBox(int left, int top)
     const int bottom = top + 9;
     HorizontalLine(left - 1, right, top - 1, edgeGrey);
     VerticalLine(left - 1, top - 1, bottom, edgeGrey);
-    Rect square;
-    SetRect(&square, left, top, right + 1, bottom + 1);
-    DrawBevel(square, boxGrey, boxGrey);
+    DrawBevel(MakeRect(left, top, right + 1, bottom + 1), boxGrey, boxGrey);
     HorizontalLine(left + 1, right - 1, bottom - 1, edgeGrey);
     VerticalLine(right - 1, top + 1, bottom - 1, edgeGrey);
 }
@@ -202,48 +197,7 @@ void DrawDefaultFrame(const DialogItem* item)
     }
 }
 
-// Selects an object and deletes the one that it displaces, unless that is the port's initial one.
-void PutObjectBack(HDC dc, HGDIOBJ object, HGDIOBJ initial)
-{
-    const HGDIOBJ displaced = SelectObject(dc, object);
-    if (displaced != initial && displaced != object) {
-        DeleteObject(displaced);
-    }
-}
-
 } // namespace
-
-void BeginDrawing(WindowPtr port, SavedDrawing* saved)
-{
-    GetPort(&saved->previousPort);
-    SetPort(port);
-    saved->port = port;
-    saved->foreColour = port->foreColour;
-    saved->backColour = port->backColour;
-    saved->fontNumber = port->fontNumber;
-    saved->fontSize = port->fontSize;
-    saved->fontStyle = port->fontStyle;
-    GetTextForeColor(&saved->textColour);
-    GetTextBackColor(&saved->textBackColour);
-    // With the initial objects selected, what is drawn with meanwhile never deletes the saved ones.
-    saved->pen = SelectObject(port->dc, port->initialPen);
-    saved->font = SelectObject(port->dc, port->initialFont);
-}
-
-void EndDrawing(const SavedDrawing* saved)
-{
-    const WindowPtr port = saved->port;
-    PutObjectBack(port->dc, saved->pen, port->initialPen);
-    PutObjectBack(port->dc, saved->font, port->initialFont);
-    SetTextForeColor(&saved->textColour);
-    SetTextBackColor(&saved->textBackColour);
-    port->foreColour = saved->foreColour;
-    port->backColour = saved->backColour;
-    port->fontNumber = saved->fontNumber;
-    port->fontSize = saved->fontSize;
-    port->fontStyle = saved->fontStyle;
-    SetPort(saved->previousPort);
-}
 
 void DrawTextInBox(const char* text, const Rect* rect, COLORREF textColour, COLORREF backColour, int size, int style,
                    int justification)
@@ -264,21 +218,19 @@ void CopyItemImage(const DialogItem* item)
 
 int StaticTextHeight(WindowPtr dialog, const char* text, int width)
 {
-    SavedDrawing saved;
-    BeginDrawing(dialog, &saved);
+    const SavedDrawing saved = BeginDrawing(dialog);
     SetPortFont(fontArial, 10, styleBold);
     const int height = TextBoxHeight(text, width);
-    EndDrawing(&saved);
+    EndDrawing(saved);
     return height;
 }
 
 int ButtonTextWidth(WindowPtr dialog, const char* text)
 {
-    SavedDrawing saved;
-    BeginDrawing(dialog, &saved);
+    const SavedDrawing saved = BeginDrawing(dialog);
     SetPortFont(fontArial, 10, stylePlain);
     const int width = StringWidth(text);
-    EndDrawing(&saved);
+    EndDrawing(saved);
     return width;
 }
 
@@ -287,8 +239,7 @@ void DrawMockDialog(WindowPtr dialog, bool inUpdate)
     if (dialog == nullptr || dialog->window == nullptr) {
         return;
     }
-    SavedDrawing saved;
-    BeginDrawing(dialog, &saved);
+    const SavedDrawing saved = BeginDrawing(dialog);
     if (inUpdate) {
         BeginUpdate(dialog);
     }
@@ -305,5 +256,5 @@ void DrawMockDialog(WindowPtr dialog, bool inUpdate)
     if (inUpdate) {
         EndUpdate(dialog);
     }
-    EndDrawing(&saved);
+    EndDrawing(saved);
 }

@@ -3,6 +3,7 @@
 #include "toolbox/resources.h"
 #include "toolbox/shell_door.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace {
@@ -36,20 +37,53 @@ void FreeBlock(void* address)
     GlobalFree(block);
 }
 
+// What AddDialogItem is given for an item of a kind.
+struct KindLook {
+    int kind;
+    int rectCount; // more than two make a press tracked
+    COLORREF colour;
+    int textStyle;
+};
+
+constexpr KindLook kindLooks[] = {
+    {checkBoxItem, 5, 0, stylePlain}, // the colour is the state
+    {staticTextItem, 1, dialogTextColour, styleBold},
+    {editTextItem, 1, editTextColour, styleBold},
+    {pushButtonItem, 3, dialogTextColour, stylePlain},
+};
+
+KindLook LookOfKind(int kind)
+{
+    for (const KindLook& look : kindLooks) {
+        if (look.kind == kind) {
+            return look;
+        }
+    }
+    return {kind, 0, dialogTextColour, stylePlain};
+}
+
+// In the interface bitmap, in the order in which an item takes them: states 0, 2, 1, 3.
+constexpr Rect checkBoxImages[] = {
+    MakeRect(344, 225, 362, 239),
+    MakeRect(344, 238, 362, 252),
+    MakeRect(325, 225, 343, 239),
+    MakeRect(325, 238, 343, 252),
+};
+
 void PlaceItem(DialogItem* item, int rectCount, const Rect* rects, int textH, int textV)
 {
     const Rect& port = item->dialog->portRect;
     switch (item->kind) {
     case closeBoxItem:
-        SetRect(&item->rect, 8, 5, 17, 14);
+        item->rect = MakeRect(8, 5, 17, 14);
         item->sound = 0;
         break;
     case rightTitleBoxItem:
-        SetRect(&item->rect, port.right - 17, 5, port.right - 8, 14);
+        item->rect = MakeRect(port.right - 17, 5, port.right - 8, 14);
         item->sound = 0;
         break;
     case titleBarItem:
-        SetRect(&item->rect, port.left, port.top, port.right, port.top + 18);
+        item->rect = MakeRect(port.left, port.top, port.right, port.top + 18);
         item->sound = 0;
         break;
     default:
@@ -80,12 +114,12 @@ void AppendItem(WindowPtr dialog, DialogItem* item)
     item->number = dialog->itemCount;
 }
 
-DialogItem* AddStandardButton(WindowPtr dialog, int left, int top, int right, int bottom, int list, int index,
+DialogItem* AddStandardButton(WindowPtr dialog, int left, int top, int right, int bottom, TextID textID,
                               int32_t itemID)
 {
     char text[textBufferSize];
-    GetIndString(text, list, index);
-    return AddPushButton(dialog, left, top, right, bottom, text, itemID);
+    GetText(text, textID);
+    return AddItem(dialog, {pushButtonItem, MakeRect(left, top, right, bottom), text, itemID});
 }
 
 DialogItem* FindItem(WindowPtr dialog, int32_t itemID, int number)
@@ -97,14 +131,10 @@ DialogItem* FindItem(WindowPtr dialog, int32_t itemID, int number)
 
 WindowPtr NewMockDialog(int frameStyle, int width, int height, const char* title, const Point* topLeft)
 {
-    Point corner = {};
-    if (topLeft != nullptr) {
-        corner = *topLeft;
-    } else {
-        const Rect& screen = shell.screenRect;
-        SetPt(&corner, screen.left + (screen.right - screen.left - width) / 2,
-              screen.top + (screen.bottom - screen.top - height) / 2);
-    }
+    const Rect& screen = shell.screenRect;
+    const Point centred = MakePoint(screen.left + (screen.right - screen.left - width) / 2,
+                                    screen.top + (screen.bottom - screen.top - height) / 2);
+    const Point corner = topLeft != nullptr ? *topLeft : centred;
     const WindowPtr dialog = NewPortRecord();
     if (dialog == nullptr) {
         return nullptr;
@@ -119,13 +149,11 @@ WindowPtr NewMockDialog(int frameStyle, int width, int height, const char* title
     SizeWindow(dialog, width, height, 0);
     MoveWindowTo(dialog, corner.h, corner.v, 0);
 
-    WindowPtr savedPort = nullptr;
-    GetPort(&savedPort);
-    SetPort(dialog);
+    const SavedPort saved = UsePort(dialog);
     SetPortFont(fontTimesBold, 12, styleBold);
     TextForeColor(PALETTERGB(0, 0, 0));
     BackColor(dialogBackColour);
-    SetPort(savedPort);
+    RestorePort(saved);
 
     if (title != nullptr && title[0] != 0) {
         SetWTitle(dialog, title);
@@ -168,30 +196,30 @@ DialogItem* AddDialogItem(WindowPtr dialog, int rectCount, const Rect* rects, co
     return item;
 }
 
-DialogItem* AddPushButton(WindowPtr dialog, int left, int top, int right, int bottom, const char* text,
-                          int32_t itemID)
+DialogItem* AddItem(WindowPtr dialog, const DialogItemSpec& spec)
 {
-    Rect rects[3] = {}; // more than two, so that a press is tracked
-    SetRect(&rects[0], left, top, right, bottom);
-    return AddDialogItem(dialog, std::size(rects), rects, text, 0, 0, 1, dialogTextColour, pushButtonItem, itemID,
-                         stylePlain, 10);
+    constexpr int textSize = 10;
+    const KindLook look = LookOfKind(spec.kind);
+    Rect rects[1 + std::size(checkBoxImages)] = {spec.place};
+    if (spec.kind == checkBoxItem) {
+        std::copy(std::begin(checkBoxImages), std::end(checkBoxImages), rects + 1);
+    }
+    DialogItem* item = AddDialogItem(dialog, look.rectCount, rects, spec.text, 0, 0, 1, look.colour, spec.kind,
+                                     spec.itemID, look.textStyle, textSize);
+    if (item != nullptr) {
+        item->digitsOnly = spec.digitsOnly;
+    }
+    return item;
 }
 
 DialogItem* AddOKButton(WindowPtr dialog, int left, int top, int right, int bottom)
 {
-    return AddStandardButton(dialog, left, top, right, bottom, 4000, 116, okItemID);
+    return AddStandardButton(dialog, left, top, right, bottom, okButtonText, okItemID);
 }
 
 DialogItem* AddCancelButton(WindowPtr dialog, int left, int top, int right, int bottom)
 {
-    return AddStandardButton(dialog, left, top, right, bottom, 6000, 44, cancelItemID);
-}
-
-DialogItem* AddStaticText(WindowPtr dialog, int left, int top, int right, int bottom, const char* text)
-{
-    Rect rect;
-    SetRect(&rect, left, top, right, bottom);
-    return AddDialogItem(dialog, 1, &rect, text, 0, 0, 1, dialogTextColour, staticTextItem, 0, styleBold, 10);
+    return AddStandardButton(dialog, left, top, right, bottom, cancelButtonText, cancelItemID);
 }
 
 void DisposeMockDialog(WindowPtr dialog)

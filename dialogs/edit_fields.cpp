@@ -39,10 +39,9 @@ void AppendCharacter(DialogItem* field, char character)
     // Shown at once; the next paint brings the active field's colours back.
     Rect inside = field->rect;
     OutsetRect(&inside, -1, -1);
-    SavedDrawing saved;
-    BeginDrawing(dialog, &saved);
+    const SavedDrawing saved = BeginDrawing(dialog);
     DrawTextInBox(field->text, &inside, field->textColor, editIdleColour, field->textSize, field->textStyle, 1);
-    EndDrawing(&saved);
+    EndDrawing(saved);
 }
 
 } // namespace

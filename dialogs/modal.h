@@ -2,6 +2,7 @@
 #pragma once
 
 #include "dialogs/dialog.h"
+#include "toolbox/resources.h"
 
 // What a step reports besides an item's number and ID: the same code in both values.
 enum ModalCode {
@@ -26,11 +27,15 @@ void ModalDialogStep(WindowPtr dialog, int32_t* itemHit, int32_t* itemID, HRGN m
 // if the user had declined.
 bool RunDialogStep(WindowPtr dialog, int32_t* itemHit, int32_t* itemID);
 
+// The alerts leave the current port as it was.
+//
 // A message with OK. Text list + index when index is not 0, else text. 0 x 0 is the default size; the alert grows
 // downwards when its text needs more room. sound 0 for none.
 void MessageAlert(int width, int height, int sound, int list, int index, const char* text);
+void MessageAlert(int width, int height, int sound, TextID text);
 // 1 for Yes, 0 for No or when the dialog could not be made. Text list + index when list is not 0, else text.
 int YesNoAlert(int width, int height, int list, int index, const char* text);
+int YesNoAlert(int width, int height, TextID text);
 // 1 for the first button, 2 for the second, 0 when the dialog could not be made.
 int TwoButtonAlert(const char* message, const char* firstText, const char* secondText);
 void MemoryAlert();

@@ -153,14 +153,12 @@ Outcome HandleEvent(WindowPtr dialog)
 void ModalDialogStep(WindowPtr dialog, int32_t* itemHit, int32_t* itemID, HRGN mouseRegion)
 {
     constexpr uint32_t sleepTicks = 5;
-    WindowPtr savedPort = nullptr;
-    GetPort(&savedPort);
-    SetPort(dialog);
+    const SavedPort saved = UsePort(dialog);
     const bool taken = WaitNextEvent(everyEvent, &currentEvent, sleepTicks, mouseRegion) != nullEvent;
     const Outcome outcome = taken ? HandleEvent(dialog) : nothing;
     *itemHit = outcome.itemHit;
     *itemID = outcome.itemID;
-    SetPort(savedPort);
+    RestorePort(saved);
 }
 
 bool RunDialogStep(WindowPtr dialog, int32_t* itemHit, int32_t* itemID)

@@ -41,14 +41,13 @@ void PressItem(DialogItem* item)
         return;
     }
     if (item->kind == pushButtonItem || item->kind == checkBoxItem) {
-        SavedDrawing saved;
-        BeginDrawing(item->dialog, &saved);
+        const SavedDrawing saved = BeginDrawing(item->dialog);
         if (item->kind == pushButtonItem) {
             DrawPressedButton(item);
         } else {
             CopyItemImage(item);
         }
-        EndDrawing(&saved);
+        EndDrawing(saved);
         InvalidateItem(item);
         GdiFlush();
     }
@@ -59,9 +58,7 @@ void PressItem(DialogItem* item)
 
 int TrackButton(DialogItem* item)
 {
-    WindowPtr savedPort = nullptr;
-    GetPort(&savedPort);
-    SetPort(item->dialog);
+    const SavedPort saved = UsePort(item->dialog);
     PressItem(item);
     int inside = 1;
     Point point = {};
@@ -79,6 +76,6 @@ int TrackButton(DialogItem* item)
             DrawMockDialog(item->dialog, false);
         }
     }
-    SetPort(savedPort);
+    RestorePort(saved);
     return inside;
 }

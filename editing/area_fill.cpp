@@ -2,7 +2,7 @@
 
 #include "dialogs/modal.h"
 #include "editing/stroke.h"
-#include "mapdata/map_record.h"
+#include "mapdata/rescue.h"
 #include "toolbox/resources.h"
 #include "toolbox/shell_door.h"
 
@@ -19,11 +19,7 @@ constexpr int buttonStep = 60; // from one button's left edge to the next one's,
 
 enum Answer { cancelAnswer = 1, fillAnswer = 2, eraseAnswer = 3 };
 
-struct ButtonText {
-    int list;
-    int index;
-};
-constexpr ButtonText buttonTexts[] = {{6000, 44}, {15000, 148}, {15000, 149}}; // Cancel, Fill, Erase
+constexpr TextID buttonTexts[] = {cancelButtonText, fillButtonText, eraseButtonText};
 
 void DrawBand(const Rect* band)
 {
@@ -34,8 +30,7 @@ void DrawBand(const Rect* band)
 
 Rect FollowBand(Point start)
 {
-    Rect band;
-    SetRect(&band, start.h, start.v, start.h, start.v);
+    Rect band = MakeRect(start.h, start.v, start.h, start.v);
     DrawBand(&band);
     Point last = start;
     Point point;
@@ -54,29 +49,27 @@ Rect FollowBand(Point start)
 
 Rect Scaled(const Rect& rect, int numerator, int denominator)
 {
-    Rect result;
-    SetRect(&result, rect.left * numerator / denominator, rect.top * numerator / denominator,
-            rect.right * numerator / denominator, rect.bottom * numerator / denominator);
-    return result;
+    return MakeRect(rect.left * numerator / denominator, rect.top * numerator / denominator,
+                    rect.right * numerator / denominator, rect.bottom * numerator / denominator);
 }
 
 // The cells of the view that lie in the selection; partly visible last rows and columns stay out.
 Rect SelectedVisibleCells()
 {
     Rect cells = Scaled(view.viewRect, 1, cellSize);
-    const Rect& grid = {0, 0, currentMap.record.rowCount, currentMap.record.columnCount};
+    const Rect grid = MakeRect(0, 0, currentMap.record.columnCount, currentMap.record.rowCount);
     if (ClipToBounds(&cells, &editing.selectionRect)) {
         ClipToBounds(&cells, &grid);
     }
     return cells;
 }
 
-void PaintFeatures(int mode)
+void ChangeFeatures(int mode)
 {
     const Rect cells = SelectedVisibleCells();
     for (int y = cells.top; y < cells.bottom; y++) {
         for (int x = cells.left; x < cells.right; x++) {
-            PaintFeatureCell(x, y, mode);
+            ChangeFeatureCell(x, y, mode);
         }
     }
 }
@@ -84,11 +77,11 @@ void PaintFeatures(int mode)
 void FillMoveCosts()
 {
     const Rect cells = SelectedVisibleCells();
-    const int code = MoveCostCodeOfTool(editing.moveCostTool);
+    const TerrainCell moveCost = SelectedMoveCost().value;
     for (int y = cells.top; y < cells.bottom; y++) {
         for (int x = cells.left; x < cells.right; x++) {
             TerrainCell& cell = currentMap.cellColumns[x][y];
-            cell = static_cast<TerrainCell>((cell & cellFeaturesMask) | code << cellMoveCostShift);
+            cell = static_cast<TerrainCell>((cell & cellFeaturesMask) | moveCost);
         }
     }
 }
@@ -100,9 +93,9 @@ void ActOnAnswer(int answer)
     }
     if (shell.featuresPaletteOpen) {
         if (editing.featureTool != noFeatureTool && !EmptyRect(&editing.selectionRect)) {
-            PaintFeatures(answer == fillAnswer ? setCell : clearCell);
+            ChangeFeatures(answer == fillAnswer ? setCell : clearCell);
         }
-    } else if (answer == fillAnswer && editing.moveCostTool >= clearTool && editing.moveCostTool <= waterTool) {
+    } else if (answer == fillAnswer && MoveCostOfTool(editing.moveCostTool) != nullptr) {
         FillMoveCosts();
     }
 }
@@ -110,14 +103,12 @@ void ActOnAnswer(int answer)
 // At the selection's bottom-right corner, hung to its left, whole on the screen.
 Point QuestionPlace(int width)
 {
-    Point place;
-    SetPt(&place, editing.selectionRect.right * cellSize - width - view.viewRect.left,
-          editing.selectionRect.bottom * cellSize - view.viewRect.top);
+    Point place = MakePoint(editing.selectionRect.right * cellSize - width - view.viewRect.left,
+                            editing.selectionRect.bottom * cellSize - view.viewRect.top);
     LocalToGlobal(&place);
     const Rect& screen = shell.screenRect;
-    SetPt(&place, std::max<int>(screen.left, std::min<int>(place.h, screen.right - width)),
-          std::max<int>(screen.top, std::min<int>(place.v, screen.bottom - questionHeight)));
-    return place;
+    return MakePoint(std::max<int>(screen.left, std::min<int>(place.h, screen.right - width)),
+                     std::max<int>(screen.top, std::min<int>(place.v, screen.bottom - questionHeight)));
 }
 
 WindowPtr CreateQuestion()
@@ -131,14 +122,16 @@ WindowPtr CreateQuestion()
     }
     for (int i = 0; i < buttons; i++) {
         char text[textBufferSize];
-        GetIndString(text, buttonTexts[i].list, buttonTexts[i].index);
+        GetText(text, buttonTexts[i]);
         const int left = width - buttonStep - i * buttonStep;
         const int top = questionHeight - 30;
-        AddPushButton(question, left, top, left + buttonWidth, top + buttonHeight, text, cancelItemID);
+        AddItem(question,
+                {pushButtonItem, MakeRect(left, top, left + buttonWidth, top + buttonHeight), text, cancelItemID});
     }
     return question;
 }
 
+// The map window is the current port.
 void AskFill(WindowPtr palette, const Rect* band)
 {
     ShowHide(palette, 0);
@@ -148,9 +141,6 @@ void AskFill(WindowPtr palette, const Rect* band)
         ShowHide(palette, 1);
         return;
     }
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    SetPort(question);
     ShowWindowInactive(question);
     DrawMockDialog(question, true);
     int32_t answer = 0;
@@ -162,14 +152,12 @@ void AskFill(WindowPtr palette, const Rect* band)
             // The band is part of the window's picture: a repaint takes it away whole and it is drawn again.
             InvalidateMapRect(nullptr);
             PaintMapWindow();
-            SetPort(shell.mapWindow);
             DrawBand(band);
-            SetPort(question);
         }
     }
-    SetPort(savedPort);
     if (!shell.quitRequested) {
         ActOnAnswer(answer);
+        NoteMapChange();
     }
     DisposeMockDialog(question);
     ShowHide(palette, 1);
@@ -180,9 +168,7 @@ void AskFill(WindowPtr palette, const Rect* band)
 void SelectArea(WindowPtr palette, Point start)
 {
     editing.selectionRect = {};
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    SetPort(shell.mapWindow);
+    const SavedPort saved = UsePort(shell.mapWindow);
     GlobalToLocal(&start);
     const Rect band = FollowBand(start);
     editing.selectionRect = band;
@@ -193,5 +179,5 @@ void SelectArea(WindowPtr palette, Point start)
     // One repaint removes the band and shows the cells anew, wherever marks or a palette lay over the band.
     InvalidateMapRect(nullptr);
     editing.selectionRect = {};
-    SetPort(savedPort);
+    RestorePort(saved);
 }

@@ -1,29 +1,9 @@
 // What the terrain editing tools share: the tools and display settings of both palettes.
 #pragma once
 
+#include "mapdata/terrain.h"
 #include "toolbox/drawing.h"
 
-// Tools are numbered by the palette item that selects them.
-enum FeatureTool {
-    noFeatureTool = 0,
-    hiLowTool = 201,
-    woodsTool = 202,
-    townTool = 203,
-    roadTool = 204,
-    miscLOSTool = 205,
-    noGo1Tool = 211,
-    noGo2Tool = 212,
-    noGo3Tool = 213,
-};
-enum MoveCostTool {
-    noMoveCostTool = -1,
-    clearTool = 201,
-    rough1Tool = 202,
-    rough2Tool = 203,
-    rough3Tool = 204,
-    rough4Tool = 205,
-    waterTool = 206,
-};
 enum BrushStyle { solidBrush = 0, dotBrush = 1, frameBrush = 2 };
 
 struct EditingState {
@@ -41,8 +21,11 @@ struct EditingState {
     int16_t showRough3 = 0;
     int16_t showRough4 = 0;
     int16_t showWater = 0;
-    Point palettePosition = {50, 25}; // v, h: screen position of either palette's top-left corner
-    Rect selectionRect = {};          // map pixels while the band is dragged, then cells
+    Point palettePosition = MakePoint(25, 50); // on the screen: the top-left corner of either palette
+    Rect selectionRect = {};                   // map pixels while the band is dragged, then cells
 };
 
 extern EditingState editing;
+
+// The show flag of a movement cost.
+int16_t* ShowFlagOf(const TerrainRow& moveCost);

@@ -19,27 +19,53 @@ enum FeaturesItem {
     showAllNoGoBox = 215,
 };
 
-const PaletteItemRow items[] = {
-    {0, staticTextItem, 10, 25, 290, 39, 8028},
-    {hiLowTool, checkBoxItem, 10, 41, 28, 55, 15142},
-    {woodsTool, checkBoxItem, 10, 57, 28, 71, 15143},
-    {townTool, checkBoxItem, 10, 73, 28, 87, 15144},
-    {roadTool, checkBoxItem, 10, 89, 28, 103, 15145},
-    {miscLOSTool, checkBoxItem, 10, 105, 28, 119, 15146},
-    {solidGridBox, checkBoxItem, 140, 41, 158, 55, 15147},
-    {blackGridBox, checkBoxItem, 140, 57, 158, 71, 15154},
-    {redGridBox, checkBoxItem, 140, 73, 158, 87, 15157},
-    {purpleGridBox, checkBoxItem, 140, 89, 158, 103, 15155},
-    {greenGridBox, checkBoxItem, 140, 105, 158, 119, 15156},
-    {0, staticTextItem, 10, 124, 290, 138, 8029},
-    {noGo1Tool, checkBoxItem, 10, 140, 28, 154, 8030},
-    {showAllNoGoBox, checkBoxItem, 188, 140, 206, 154, 8033},
-    {noGo2Tool, checkBoxItem, 10, 156, 28, 170, 8031},
-    {noGo3Tool, checkBoxItem, 10, 172, 28, 186, 8032},
-    {removeAllButton, pushButtonItem, 10, 191, 130, 211, 15151},
-    {0, staticTextItem, 10, 215, 290, 231, 15188},
-    {0, staticTextItem, 10, 233, 290, 249, 15189},
+// The colours of the marks, in the order of their boxes from blackGridBox on.
+struct GridColour {
+    COLORREF Colours::*colour;
+    TextID text;
 };
+constexpr GridColour gridColours[] = {
+    {&Colours::black, blackGridBoxText},
+    {&Colours::red, redGridBoxText},
+    {&Colours::purple, purpleGridBoxText},
+    {&Colours::green, greenGridBoxText},
+};
+
+constexpr int width = 300;
+constexpr int gridLeft = 140;
+constexpr int showAllLeft = 188;
+constexpr int headingHeight = 14;
+constexpr int groupGap = 3;
+constexpr int bottomMargin = 22; // from the last hint's top
+
+int RowsHeight(TerrainGroup group)
+{
+    return static_cast<int>(TerrainRows(group).size()) * paletteRowStep;
+}
+
+int ButtonTop()
+{
+    return paletteTop + 2 * (paletteRowStep + groupGap) + RowsHeight(featureTerrain) + RowsHeight(noGoTerrain);
+}
+
+void AddItems(WindowPtr palette)
+{
+    AddPaletteText(palette, paletteMargin, paletteTop, headingHeight, primaryTerrainHeadingText);
+    int top = paletteTop + paletteRowStep;
+    int gridTop = top;
+    top = AddToolBoxes(palette, featureTerrain, top) + groupGap;
+    AddPaletteBox(palette, gridLeft, gridTop, solidGridBox, solidGridBoxText);
+    for (int i = 0; i < static_cast<int>(std::size(gridColours)); i++) {
+        gridTop += paletteRowStep;
+        AddPaletteBox(palette, gridLeft, gridTop, blackGridBox + i, gridColours[i].text);
+    }
+    AddPaletteText(palette, paletteMargin, top, headingHeight, impassableTerrainHeadingText);
+    top += paletteRowStep;
+    AddToolBoxes(palette, noGoTerrain, top);
+    AddPaletteBox(palette, showAllLeft, top, showAllNoGoBox, showAllNoGoBoxText);
+    AddPaletteButton(palette, paletteMargin, ButtonTop(), 130, removeAllButton, removeAllButtonText);
+    AddHints(palette, ButtonTop() + buttonRowHeight);
+}
 
 void Open(WindowPtr palette)
 {
@@ -63,21 +89,19 @@ void SelectFeature(WindowPtr palette, int32_t clicked)
 {
     if (editing.noGoLevel != 0) {
         editing.noGoLevel = 0;
-        ClearGroup(palette, noGo1Tool, noGo3Tool);
+        ClearTools(palette, noGoTerrain);
     }
-    editing.featureTool = ToggleInGroup(palette, hiLowTool, miscLOSTool, clicked) ? clicked : noFeatureTool;
+    editing.featureTool = ToggleTool(palette, featureTerrain, clicked) ? clicked : noFeatureTool;
     RefreshAnalysis();
     InvalidateMapRect(nullptr);
 }
 
 void SelectNoGo(WindowPtr palette, int32_t clicked)
 {
-    if (editing.featureTool >= hiLowTool && editing.featureTool <= miscLOSTool) {
-        ClearGroup(palette, hiLowTool, miscLOSTool);
-    }
-    if (ToggleInGroup(palette, noGo1Tool, noGo3Tool, clicked)) {
+    ClearTools(palette, featureTerrain);
+    if (ToggleTool(palette, noGoTerrain, clicked)) {
         editing.featureTool = clicked;
-        editing.noGoLevel = clicked == noGo1Tool ? 1 : clicked == noGo2Tool ? 2 : 4;
+        editing.noGoLevel = static_cast<int16_t>(NoGoLevelOf(FeatureOfTool(clicked)->value));
     } else {
         editing.featureTool = noFeatureTool;
         editing.noGoLevel = 0;
@@ -88,10 +112,9 @@ void SelectNoGo(WindowPtr palette, int32_t clicked)
 
 void SelectGridColour(WindowPtr palette, int32_t clicked)
 {
-    const COLORREF gridColours[] = {colours.black, colours.red, colours.purple, colours.green};
     if (ToggleInGroup(palette, blackGridBox, greenGridBox, clicked)) {
         editing.gridColourItem = clicked;
-        editing.gridColour = gridColours[clicked - blackGridBox];
+        editing.gridColour = colours.*gridColours[clicked - blackGridBox].colour;
     } else {
         editing.gridColourItem = 0;
         editing.gridColour = colours.white;
@@ -117,14 +140,15 @@ void SwitchShowAllNoGo(WindowPtr palette)
 
 void Hit(WindowPtr palette, int32_t itemID)
 {
-    if (itemID >= hiLowTool && itemID <= miscLOSTool) {
+    const TerrainRow* tool = FeatureOfTool(itemID);
+    if (tool != nullptr && tool->group == featureTerrain) {
         SelectFeature(palette, itemID);
+    } else if (tool != nullptr) {
+        SelectNoGo(palette, itemID);
     } else if (itemID == solidGridBox) {
         SwitchSolidGrid(palette);
     } else if (itemID >= blackGridBox && itemID <= greenGridBox) {
         SelectGridColour(palette, itemID);
-    } else if (itemID >= noGo1Tool && itemID <= noGo3Tool) {
-        SelectNoGo(palette, itemID);
     } else if (itemID == removeAllButton) {
         RemoveAllFeatures();
         RefreshAnalysis();
@@ -144,16 +168,15 @@ void Close()
 
 void RunFeaturesPalette()
 {
-    static const Palette palette = {300,
-                                    255,
-                                    15153,
-                                    items,
-                                    static_cast<int>(std::size(items)),
-                                    &shell.featuresPaletteOpen,
-                                    Open,
-                                    HasTool,
-                                    FeaturesStroke,
-                                    Hit,
-                                    Close};
+    const Palette palette = {.width = width,
+                             .height = ButtonTop() + buttonRowHeight + hintRowHeight + bottomMargin,
+                             .title = featuresTitleText,
+                             .addItems = AddItems,
+                             .openFlag = &shell.featuresPaletteOpen,
+                             .open = Open,
+                             .hasTool = HasTool,
+                             .stroke = FeaturesStroke,
+                             .hit = Hit,
+                             .close = Close};
     RunPalette(&palette);
 }

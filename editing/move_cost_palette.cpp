@@ -10,53 +10,69 @@
 namespace {
 
 enum MoveCostItem {
-    showClearBox = 207,
-    showWaterBox = 212,
     solidBrushBox = 213,
     frameBrushBox = 215,
     zeroAllButton = 216,
     setToR2Button = 217,
 };
-constexpr int toolCount = 6;
 
-const PaletteItemRow items[] = {
-    {0, staticTextItem, 10, 25, 275, 41, 15182},
-    {clearTool, checkBoxItem, 10, 43, 28, 57, 15163},
-    {rough1Tool, checkBoxItem, 10, 59, 28, 73, 15164},
-    {rough2Tool, checkBoxItem, 10, 75, 28, 89, 15165},
-    {rough3Tool, checkBoxItem, 10, 91, 28, 105, 15166},
-    {rough4Tool, checkBoxItem, 10, 107, 28, 121, 15167},
-    {waterTool, checkBoxItem, 10, 123, 28, 137, 15168},
-    {0, staticTextItem, 80, 25, 275, 41, 15183},
-    {207, checkBoxItem, 80, 43, 98, 57, 15176},
-    {208, checkBoxItem, 80, 59, 98, 73, 15177},
-    {209, checkBoxItem, 80, 75, 98, 89, 15178},
-    {210, checkBoxItem, 80, 91, 98, 105, 15179},
-    {211, checkBoxItem, 80, 107, 98, 121, 15180},
-    {212, checkBoxItem, 80, 123, 98, 137, 15181},
-    {0, staticTextItem, 180, 25, 275, 41, 15184},
-    {213, checkBoxItem, 180, 43, 198, 57, 15185},
-    {214, checkBoxItem, 180, 59, 198, 73, 15186},
-    {215, checkBoxItem, 180, 75, 198, 89, 15187},
-    {zeroAllButton, pushButtonItem, 10, 145, 120, 165, 15172},
-    {setToR2Button, pushButtonItem, 124, 145, 274, 165, 15169},
-    {0, staticTextItem, 10, 169, 275, 185, 15188},
-    {0, staticTextItem, 10, 187, 275, 203, 15189},
-};
+// In the order of the brush styles.
+constexpr TextID brushTexts[] = {solidBrushBoxText, dotBrushBoxText, frameBrushBoxText};
 
-// The show flag of each class, in the order of the tools and of their show boxes.
-int16_t* const showFlags[toolCount] = {
-    &editing.showClear,  &editing.showRough1, &editing.showRough2,
-    &editing.showRough3, &editing.showRough4, &editing.showWater,
-};
+constexpr int width = 285;
+constexpr int showLeft = 80;
+constexpr int brushLeft = 180;
+constexpr int headingHeight = 16;
+constexpr int rowsTop = paletteTop + 18;
+constexpr int groupGap = 6;
+constexpr int bottomMargin = 23; // from the last hint's top
+
+std::span<const TerrainRow> MoveCosts()
+{
+    return TerrainRows(moveCostTerrain);
+}
+
+int ButtonTop()
+{
+    return rowsTop + static_cast<int>(MoveCosts().size()) * paletteRowStep + groupGap;
+}
+
+void AddItems(WindowPtr palette)
+{
+    AddPaletteText(palette, paletteMargin, paletteTop, headingHeight, createHeadingText);
+    AddToolBoxes(palette, moveCostTerrain, rowsTop);
+    AddPaletteText(palette, showLeft, paletteTop, headingHeight, showHeadingText);
+    int top = rowsTop;
+    for (const TerrainRow& moveCost : MoveCosts()) {
+        AddPaletteBox(palette, showLeft, top, moveCost.shown.item, moveCost.shown.text);
+        top += paletteRowStep;
+    }
+    AddPaletteText(palette, brushLeft, paletteTop, headingHeight, brushHeadingText);
+    for (int i = 0; i < static_cast<int>(std::size(brushTexts)); i++) {
+        AddPaletteBox(palette, brushLeft, rowsTop + i * paletteRowStep, solidBrushBox + i, brushTexts[i]);
+    }
+    AddPaletteButton(palette, paletteMargin, ButtonTop(), 120, zeroAllButton, zeroAllButtonText);
+    AddPaletteButton(palette, 124, ButtonTop(), 274, setToR2Button, setToR2ButtonText);
+    AddHints(palette, ButtonTop() + buttonRowHeight);
+}
+
+const TerrainRow* MoveCostOfShowBox(int32_t item)
+{
+    for (const TerrainRow& moveCost : MoveCosts()) {
+        if (moveCost.shown.item == item) {
+            return &moveCost;
+        }
+    }
+    return nullptr;
+}
 
 void Open(WindowPtr palette)
 {
     editing.moveCostTool = clearTool;
     editing.selectionRect = {};
     SetItemState(palette, clearTool, 0, 1);
-    for (int i = 0; i < toolCount; i++) {
-        SetItemState(palette, showClearBox + i, 0, *showFlags[i]);
+    for (const TerrainRow& moveCost : MoveCosts()) {
+        SetItemState(palette, moveCost.shown.item, 0, *ShowFlagOf(moveCost));
     }
     SetItemState(palette, solidBrushBox + editing.brushStyle, 0, 1);
 }
@@ -66,26 +82,25 @@ bool HasTool()
     return editing.moveCostTool > noMoveCostTool;
 }
 
-void SelectTool(WindowPtr palette, int32_t clicked)
+void SelectTool(WindowPtr palette, const TerrainRow& clicked)
 {
-    ToggleInGroup(palette, clearTool, waterTool, clicked);
-    if (editing.moveCostTool == clicked) {
+    ToggleTool(palette, moveCostTerrain, clicked.tool);
+    if (editing.moveCostTool == clicked.tool) {
         editing.moveCostTool = noMoveCostTool;
     } else {
-        const int index = clicked - clearTool;
-        editing.moveCostTool = clicked;
-        *showFlags[index] = 1;
-        SetItemState(palette, showClearBox + index, 0, 1);
+        editing.moveCostTool = clicked.tool;
+        *ShowFlagOf(clicked) = 1;
+        SetItemState(palette, clicked.shown.item, 0, 1);
     }
     RefreshAnalysis();
     InvalidateMapRect(nullptr);
 }
 
-void SwitchShow(WindowPtr palette, int32_t clicked)
+void SwitchShow(WindowPtr palette, const TerrainRow& moveCost)
 {
-    int16_t* flag = showFlags[clicked - showClearBox];
+    int16_t* flag = ShowFlagOf(moveCost);
     *flag = *flag == 0 ? 1 : 0;
-    SetItemState(palette, clicked, 0, *flag);
+    SetItemState(palette, moveCost.shown.item, 0, *flag);
     InvalidateMapRect(nullptr);
 }
 
@@ -99,10 +114,10 @@ void SelectBrush(WindowPtr palette, int32_t clicked)
 
 void Hit(WindowPtr palette, int32_t itemID)
 {
-    if (itemID >= clearTool && itemID <= waterTool) {
-        SelectTool(palette, itemID);
-    } else if (itemID >= showClearBox && itemID <= showWaterBox) {
-        SwitchShow(palette, itemID);
+    if (const TerrainRow* tool = MoveCostOfTool(itemID); tool != nullptr) {
+        SelectTool(palette, *tool);
+    } else if (const TerrainRow* shown = MoveCostOfShowBox(itemID); shown != nullptr) {
+        SwitchShow(palette, *shown);
     } else if (itemID >= solidBrushBox && itemID <= frameBrushBox) {
         SelectBrush(palette, itemID);
     } else if (itemID == zeroAllButton) {
@@ -124,16 +139,15 @@ void Close()
 
 void RunMoveCostPalette()
 {
-    static const Palette palette = {285,
-                                    210,
-                                    15170,
-                                    items,
-                                    static_cast<int>(std::size(items)),
-                                    &shell.moveCostPaletteOpen,
-                                    Open,
-                                    HasTool,
-                                    MoveCostStroke,
-                                    Hit,
-                                    Close};
+    const Palette palette = {.width = width,
+                             .height = ButtonTop() + buttonRowHeight + hintRowHeight + bottomMargin,
+                             .title = moveCostsTitleText,
+                             .addItems = AddItems,
+                             .openFlag = &shell.moveCostPaletteOpen,
+                             .open = Open,
+                             .hasTool = HasTool,
+                             .stroke = MoveCostStroke,
+                             .hit = Hit,
+                             .close = Close};
     RunPalette(&palette);
 }

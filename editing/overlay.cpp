@@ -6,47 +6,14 @@
 #include "toolbox/windows.h"
 
 #include <algorithm>
-#include <iterator>
 
 namespace {
 
 constexpr int dotInset = 3; // a dot is the cell's 4 by 4 centre
 
-struct NoGoTile {
-    int value;
-    int16_t left; // in the interface bitmap
-};
-constexpr NoGoTile noGoTiles[] = {{1, 54}, {2, 65}, {4, 76}};
-constexpr int16_t noGoTileTop = 289;
-
-struct MoveCostRow {
-    int code;
-    COLORREF colour;
-    const int16_t* show;
-};
-
-// A class without a colour is no row here, so black stays a colour like any other.
-const MoveCostRow moveCostTable[] = {
-    {0, PALETTERGB(221, 221, 221), &editing.showClear},  {1, PALETTERGB(187, 187, 187), &editing.showRough1},
-    {2, PALETTERGB(128, 128, 128), &editing.showRough2}, {3, PALETTERGB(85, 85, 85), &editing.showRough3},
-    {4, PALETTERGB(0, 0, 0), &editing.showRough4},       {6, PALETTERGB(0, 0, 255), &editing.showWater},
-};
-
-const MoveCostRow* FindMoveCost(TerrainCell cell)
-{
-    for (const MoveCostRow& row : moveCostTable) {
-        if (row.code == cell >> cellMoveCostShift) {
-            return &row;
-        }
-    }
-    return nullptr;
-}
-
 Rect CellRect(int x, int y)
 {
-    Rect rect;
-    SetRect(&rect, x * cellSize, y * cellSize, (x + 1) * cellSize, (y + 1) * cellSize);
-    return rect;
+    return MakeRect(x * cellSize, y * cellSize, (x + 1) * cellSize, (y + 1) * cellSize);
 }
 
 // Marks stay inside the view, also those of cells that the view shows only partly.
@@ -69,26 +36,12 @@ void OutlineInView(const Rect& cell, HBRUSH brush)
         return;
     }
     const auto edge = [&](int left, int top, int right, int bottom) {
-        Rect strip;
-        SetRect(&strip, left, top, right, bottom);
-        FillInView(strip, brush);
+        FillInView(MakeRect(left, top, right, bottom), brush);
     };
     edge(cell.left, cell.top, cell.right, cell.top + 1);
     edge(cell.left, cell.bottom - 1, cell.right, cell.bottom);
     edge(cell.left, cell.top, cell.left + 1, cell.bottom);
     edge(cell.right - 1, cell.top, cell.right, cell.bottom);
-}
-
-void CopyNoGoTile(int value, const Rect& cell)
-{
-    for (const NoGoTile& tile : noGoTiles) {
-        Rect shown = cell;
-        if (tile.value == value && ClipToBounds(&shown, &view.viewRect)) {
-            Rect source = shown;
-            OffsetRect(&source, tile.left - cell.left, noGoTileTop - cell.top);
-            CopyFromInterfaceBitmap(shell.mapWindow, &source, &shown);
-        }
-    }
 }
 
 // Draws the mark that the feature settings give a marked cell.
@@ -99,46 +52,29 @@ void MarkFeatureCell(TerrainCell cell, const Rect& place, HBRUSH gridBrush)
     } else if (editing.noGoLevel == 0) {
         FillInView(place, gridBrush);
     } else {
-        CopyNoGoTile((cell & cellNoGoMask) >> cellNoGoShift, place);
+        DrawNoGoTile(shell.mapWindow, NoGoOf(cell), place, view.viewRect);
     }
 }
 
-TerrainCell MaskOfTool(int32_t tool)
+// feature: the selected tool's, null for none.
+bool IsFeatureMarked(TerrainCell cell, const TerrainRow* feature)
 {
-    switch (tool) {
-    case hiLowTool:
-        return cellHiLow;
-    case woodsTool:
-        return cellWoods;
-    case townTool:
-        return cellTown;
-    case roadTool:
-        return cellRoad;
-    case miscLOSTool:
-        return cellMiscLOSBlock;
-    default:
-        return 0;
+    if (feature != nullptr && feature->group == featureTerrain) {
+        return HoldsTerrain(cell, *feature);
     }
-}
-
-bool IsFeatureMarked(TerrainCell cell, TerrainCell toolMask)
-{
-    if (toolMask != 0) {
-        return (cell & toolMask) != 0;
-    }
-    const int level = (cell & cellNoGoMask) >> cellNoGoShift;
+    const int level = NoGoLevelOf(cell);
     return editing.noGoLevel != 0 && level != 0 && (editing.showAllNoGo || level == editing.noGoLevel);
 }
 
 void MarkVisibleFeatures()
 {
     const HBRUSH gridBrush = CreateSolidBrush(editing.gridColour);
-    const TerrainCell toolMask = MaskOfTool(editing.featureTool);
+    const TerrainRow* feature = FeatureOfTool(editing.featureTool);
     const Rect& shown = view.viewRect;
     for (int y = shown.top / cellSize; y < shown.bottom / cellSize; y++) {
         for (int x = shown.left / cellSize; x < shown.right / cellSize; x++) {
             const TerrainCell* cell = CellAt(x, y);
-            if (cell != nullptr && IsFeatureMarked(*cell, toolMask)) {
+            if (cell != nullptr && IsFeatureMarked(*cell, feature)) {
                 MarkFeatureCell(*cell, CellRect(x, y), gridBrush);
             }
         }
@@ -171,9 +107,9 @@ struct MoveCostBrushes {
 MoveCostBrushes CreateShownBrushes()
 {
     MoveCostBrushes brushes = {};
-    for (const MoveCostRow& row : moveCostTable) {
-        if (*row.show) {
-            brushes.ofCode[row.code] = CreateSolidBrush(row.colour);
+    for (const TerrainRow& moveCost : TerrainRows(moveCostTerrain)) {
+        if (*ShowFlagOf(moveCost) != 0) {
+            brushes.ofCode[MoveCostCodeOf(moveCost.value)] = CreateSolidBrush(moveCost.shown.colour);
         }
     }
     return brushes;
@@ -183,7 +119,7 @@ MoveCostBrushes CreateShownBrushes()
 void MarkMoveCostRow(int y, int x, int endX, const MoveCostBrushes& brushes)
 {
     const auto brushOf = [&](int column) {
-        return brushes.ofCode[currentMap.cellColumns[column][y] >> cellMoveCostShift];
+        return brushes.ofCode[MoveCostCodeOf(currentMap.cellColumns[column][y])];
     };
     while (x < endX) {
         const HBRUSH brush = brushOf(x);
@@ -222,9 +158,7 @@ void PaintOverlay(bool marksCells, void (*markVisibleCells)())
     if (shell.mapWindow == nullptr || shell.mapWindow->window == nullptr) {
         return;
     }
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    SetPort(shell.mapWindow);
+    const SavedPort saved = UsePort(shell.mapWindow);
     ForeColor(editing.gridColour);
     BeginUpdate(shell.mapWindow);
     CopyMapImageToView();
@@ -233,10 +167,29 @@ void PaintOverlay(bool marksCells, void (*markVisibleCells)())
     }
     DrawStatusStrip();
     EndUpdate(shell.mapWindow);
-    SetPort(savedPort);
+    RestorePort(saved);
 }
 
 } // namespace
+
+int16_t* ShowFlagOf(const TerrainRow& moveCost)
+{
+    // In the order of the table.
+    static int16_t* const flags[] = {&editing.showClear,  &editing.showRough1, &editing.showRough2,
+                                     &editing.showRough3, &editing.showRough4, &editing.showWater};
+    return flags[&moveCost - TerrainRows(moveCostTerrain).data()];
+}
+
+void DrawNoGoTile(WindowPtr port, const TerrainRow* noGo, const Rect& cell, const Rect& bounds)
+{
+    Rect shown = cell;
+    if (noGo == nullptr || !ClipToBounds(&shown, &bounds)) {
+        return;
+    }
+    Rect source = shown;
+    OffsetRect(&source, noGo->tileLeft - cell.left, noGoTileTop - cell.top);
+    CopyFromInterfaceBitmap(port, &source, &shown);
+}
 
 void PaintFeaturesOverlay()
 {
@@ -254,9 +207,7 @@ void DrawFeatureCellMark(int x, int y, bool wasSet)
     if (cell == nullptr) {
         return;
     }
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    SetPort(shell.mapWindow);
+    const SavedPort saved = UsePort(shell.mapWindow);
     Rect place = CellRect(x, y);
     if (wasSet) {
         ForeColor(editing.gridColour);
@@ -269,17 +220,17 @@ void DrawFeatureCellMark(int x, int y, bool wasSet)
             CopyBits(view.mapImage->dc, shell.mapWindowDC, &place, &place, 0, nullptr);
         }
     }
-    SetPort(savedPort);
+    RestorePort(saved);
 }
 
 void DrawMoveCostCellMark(int x, int y)
 {
     const TerrainCell* cell = CellAt(x, y);
-    const MoveCostRow* row = cell != nullptr ? FindMoveCost(*cell) : nullptr;
-    if (row == nullptr) {
+    const TerrainRow* moveCost = cell != nullptr ? MoveCostOf(*cell) : nullptr;
+    if (moveCost == nullptr) {
         return;
     }
-    const HBRUSH brush = CreateSolidBrush(row->colour);
+    const HBRUSH brush = CreateSolidBrush(moveCost->shown.colour);
     MarkMoveCostCell(CellRect(x, y), brush);
     DeleteObject(brush);
 }

@@ -9,3 +9,5 @@ void PaintMoveCostOverlay();
 // Draw one cell into the map window right after its word changed. Only inside the view.
 void DrawFeatureCellMark(int x, int y, bool wasSet);
 void DrawMoveCostCellMark(int x, int y);
+// The tile of a NO-GO level, as far as the cell's square lies inside the bounds. Nothing for null.
+void DrawNoGoTile(WindowPtr port, const TerrainRow* noGo, const Rect& cell, const Rect& bounds);

@@ -9,41 +9,11 @@ namespace {
 
 constexpr int frameWithTitle = 1;
 constexpr int wheelStep = 80;
-constexpr int textListSize = 1000;
 constexpr int maxPlainCharacter = 255;
 constexpr int functionKeyCharacter = 16;
-
-// Images of a check box in the interface bitmap, in the order in which an item takes them: states 0, 2, 1, 3.
-constexpr Rect checkBoxImages[] = {
-    {225, 344, 239, 362},
-    {238, 344, 252, 362},
-    {225, 325, 239, 343},
-    {238, 325, 252, 343},
-};
-
-void GetText(char* text, int id)
-{
-    GetIndString(text, id / textListSize * textListSize, id % textListSize);
-}
-
-void AddPaletteItem(WindowPtr window, const PaletteItemRow& row)
-{
-    char text[textBufferSize];
-    GetText(text, row.textID);
-    const Rect place = {row.top, row.left, row.bottom, row.right};
-    const Rect rects[] = {place, checkBoxImages[0], checkBoxImages[1], checkBoxImages[2], checkBoxImages[3]};
-    switch (row.kind) {
-    case checkBoxItem:
-        AddDialogItem(window, 5, rects, text, 0, 0, 1, 0, checkBoxItem, row.itemID, stylePlain, 10);
-        break;
-    case pushButtonItem:
-        AddPushButton(window, row.left, row.top, row.right, row.bottom, text, row.itemID);
-        break;
-    default:
-        AddDialogItem(window, 1, rects, text, 0, 0, 1, colours.paleYellow, row.kind, row.itemID, styleBold, 10);
-        break;
-    }
-}
+constexpr int checkBoxWidth = 18;
+constexpr int checkBoxHeight = 14;
+constexpr int buttonHeight = 20;
 
 WindowPtr CreatePalette(const Palette* palette)
 {
@@ -53,13 +23,11 @@ WindowPtr CreatePalette(const Palette* palette)
         return nullptr;
     }
     char title[textBufferSize];
-    GetText(title, palette->titleID);
-    AddDialogItem(window, 0, nullptr, "", 0, 0, 1, 0, closeBoxItem, 0, 0, 0);
-    AddDialogItem(window, 0, nullptr, "", 0, 0, 1, 0, rightTitleBoxItem, 0, 0, 0);
-    AddDialogItem(window, 0, nullptr, title, 0, 0, 1, 0, titleBarItem, 0, 0, 0);
-    for (int i = 0; i < palette->itemCount; i++) {
-        AddPaletteItem(window, palette->items[i]);
-    }
+    GetText(title, palette->title);
+    AddItem(window, {closeBoxItem});
+    AddItem(window, {rightTitleBoxItem});
+    AddItem(window, {.kind = titleBarItem, .text = title});
+    palette->addItems(window);
     return window;
 }
 
@@ -70,7 +38,7 @@ void DragPalette(WindowPtr window)
     PaintMapWindow();
     Rect frame;
     GetWindowFrameRect(window, &frame);
-    SetPt(&editing.palettePosition, frame.left, frame.top);
+    editing.palettePosition = MakePoint(frame.left, frame.top);
 }
 
 void HandlePaletteKey()
@@ -118,12 +86,12 @@ bool HandleStep(const Palette* palette, WindowPtr window, int32_t itemID)
     return true;
 }
 
-void ClosePalette(const Palette* palette, WindowPtr window, WindowPtr savedPort)
+void ClosePalette(const Palette* palette, WindowPtr window, const SavedPort& saved)
 {
     *palette->openFlag = 0;
     palette->close();
     DisposeMockDialog(window);
-    SetPort(savedPort);
+    RestorePort(saved);
     InvalidateMapRect(nullptr);
     ClearStatusText();
     PaintMapWindow();
@@ -134,8 +102,6 @@ void ClosePalette(const Palette* palette, WindowPtr window, WindowPtr savedPort)
 
 void RunPalette(const Palette* palette)
 {
-    WindowPtr savedPort;
-    GetPort(&savedPort);
     const WindowPtr window = CreatePalette(palette);
     if (window == nullptr) {
         return;
@@ -143,7 +109,7 @@ void RunPalette(const Palette* palette)
     palette->open(window);
     ShowWindowInactive(window);
     DrawMockDialog(window, false);
-    SetPort(shell.mapWindow);
+    const SavedPort saved = UsePort(shell.mapWindow);
     currentMap.mapModified = 1;
     *palette->openFlag = 1;
     AdjustMenus();
@@ -159,8 +125,49 @@ void RunPalette(const Palette* palette)
         }
         UpdateCursorReadout();
     }
-    ClosePalette(palette, window, savedPort);
+    ClosePalette(palette, window, saved);
 }
+
+// ---- items ----
+
+void AddPaletteBox(WindowPtr palette, int left, int top, int32_t itemID, TextID text)
+{
+    char label[textBufferSize];
+    GetText(label, text);
+    AddItem(palette, {checkBoxItem, MakeRect(left, top, left + checkBoxWidth, top + checkBoxHeight), label, itemID});
+}
+
+void AddPaletteButton(WindowPtr palette, int left, int top, int right, int32_t itemID, TextID text)
+{
+    char label[textBufferSize];
+    GetText(label, text);
+    AddItem(palette, {pushButtonItem, MakeRect(left, top, right, top + buttonHeight), label, itemID});
+}
+
+void AddPaletteText(WindowPtr palette, int left, int top, int height, TextID text)
+{
+    char words[textBufferSize];
+    GetText(words, text);
+    const int right = palette->portRect.right - paletteMargin;
+    AddItem(palette, {staticTextItem, MakeRect(left, top, right, top + height), words});
+}
+
+int AddToolBoxes(WindowPtr palette, TerrainGroup group, int top)
+{
+    for (const TerrainRow& row : TerrainRows(group)) {
+        AddPaletteBox(palette, paletteMargin, top, row.tool, row.toolText);
+        top += paletteRowStep;
+    }
+    return top;
+}
+
+void AddHints(WindowPtr palette, int top)
+{
+    AddPaletteText(palette, paletteMargin, top, paletteRowStep, areaHintText);
+    AddPaletteText(palette, paletteMargin, top + hintRowHeight, paletteRowStep, directionLockHintText);
+}
+
+// ---- groups ----
 
 int ToggleInGroup(WindowPtr palette, int32_t first, int32_t last, int32_t clicked)
 {
@@ -177,9 +184,24 @@ void ClearGroup(WindowPtr palette, int32_t first, int32_t last)
     }
 }
 
+int ToggleTool(WindowPtr palette, TerrainGroup group, int32_t clicked)
+{
+    const bool wasOn = ItemStateIs(palette, clicked, 0, 1);
+    ClearTools(palette, group);
+    SetItemState(palette, clicked, 0, wasOn ? 0 : 1);
+    return wasOn ? 0 : 1;
+}
+
+void ClearTools(WindowPtr palette, TerrainGroup group)
+{
+    for (const TerrainRow& row : TerrainRows(group)) {
+        SetItemState(palette, row.tool, 0, 0);
+    }
+}
+
 void RefreshAnalysis()
 {
     if (view.terrainAnalysisOn) {
-        RenderTerrainAnalysis();
+        ComposeMapImage();
     }
 }

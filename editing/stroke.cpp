@@ -2,56 +2,27 @@
 
 #include "editing/area_fill.h"
 #include "editing/overlay.h"
-#include "mapdata/map_record.h"
+#include "mapdata/rescue.h"
 #include "toolbox/shell_door.h"
-
-#include <iterator>
 
 namespace {
 
 typedef int (*CellOperation)(int x, int y, int mode);
 enum Direction { undecided = 0, up = 1, right = 3, down = 5, left = 7 };
 
-// What a feature tool writes into the bits of its field, and clears from it.
-struct FeatureRow {
-    int32_t tool;
-    TerrainCell field;
-    TerrainCell value;
-};
-const FeatureRow featureTable[] = {
-    {hiLowTool, cellHiLow, cellHiLow},
-    {woodsTool, cellWoods, cellWoods},
-    {townTool, cellTown, cellTown},
-    {roadTool, cellRoad, cellRoad},
-    {miscLOSTool, cellMiscLOSBlock, cellMiscLOSBlock},
-    {noGo1Tool, cellNoGoMask, 1 << cellNoGoShift},
-    {noGo2Tool, cellNoGoMask, 2 << cellNoGoShift},
-    {noGo3Tool, cellNoGoMask, 4 << cellNoGoShift},
-};
-
-const FeatureRow* FindFeature(int32_t tool)
-{
-    for (const FeatureRow& row : featureTable) {
-        if (row.tool == tool) {
-            return &row;
-        }
-    }
-    return nullptr;
-}
-
 // Sets or clears a field of the cell; toggle clears only a field that already holds the value.
-int ChangeField(TerrainCell* cell, TerrainCell field, TerrainCell value, int mode)
+int ChangeField(TerrainCell* cell, const TerrainRow& terrain, int mode)
 {
     if (mode == toggleCell) {
-        mode = (*cell & field) == value ? clearCell : setCell;
+        mode = HoldsTerrain(*cell, terrain) ? clearCell : setCell;
     }
-    const TerrainCell rest = static_cast<TerrainCell>(*cell & ~field);
-    *cell = mode == setCell ? static_cast<TerrainCell>(rest | value) : rest;
+    const TerrainCell rest = static_cast<TerrainCell>(*cell & ~terrain.field);
+    *cell = mode == setCell ? static_cast<TerrainCell>(rest | terrain.value) : rest;
     return mode;
 }
 
 struct Stroke {
-    CellOperation paintCell;
+    CellOperation changeCell;
     Point start;
     Point last;
     int lastColumn;
@@ -62,7 +33,7 @@ struct Stroke {
 };
 
 // A point outside the map belongs to no cell and is passed over; the mode is decided by the first cell inside.
-void PaintPoint(Stroke* stroke, Point point)
+void ChangeCellAt(Stroke* stroke, Point point)
 {
     if (!PtInRect(point, &currentMap.record.mapRect)) {
         return;
@@ -75,7 +46,7 @@ void PaintPoint(Stroke* stroke, Point point)
     stroke->last = point;
     stroke->lastColumn = column;
     stroke->lastRow = row;
-    stroke->mode = stroke->paintCell(column, row, stroke->mode);
+    stroke->mode = stroke->changeCell(column, row, stroke->mode);
 }
 
 int DirectionTo(Point from, Point to)
@@ -96,10 +67,10 @@ void FollowPoint(Stroke* stroke, Point point)
     } else if (stroke->direction == up || stroke->direction == down) {
         point.h = stroke->start.h;
     }
-    PaintPoint(stroke, point);
+    ChangeCellAt(stroke, point);
 }
 
-void RunStroke(WindowPtr palette, CellOperation paintCell)
+void RunStroke(WindowPtr palette, CellOperation changeCell)
 {
     if (HandleContentClick()) {
         return;
@@ -108,11 +79,9 @@ void RunStroke(WindowPtr palette, CellOperation paintCell)
         SelectArea(palette, currentEvent.where);
         return;
     }
-    WindowPtr savedPort;
-    GetPort(&savedPort);
-    SetPort(shell.mapWindow);
+    const SavedPort saved = UsePort(shell.mapWindow);
     Stroke stroke = {};
-    stroke.paintCell = paintCell;
+    stroke.changeCell = changeCell;
     stroke.locksDirection = currentEvent.modifiers == shiftKey;
     stroke.lastColumn = -1;
     stroke.lastRow = -1;
@@ -120,53 +89,52 @@ void RunStroke(WindowPtr palette, CellOperation paintCell)
     GlobalToLocal(&stroke.start);
     stroke.last = stroke.start;
     BeginPointerTrail(&currentEvent);
-    PaintPoint(&stroke, stroke.start);
+    ChangeCellAt(&stroke, stroke.start);
     Point point;
     while (NextTrailPoint(&point)) {
         FollowPoint(&stroke, point);
     }
-    SetPort(savedPort);
+    RestorePort(saved);
+    NoteMapChange();
 }
 
 } // namespace
 
-int PaintFeatureCell(int x, int y, int mode)
+int ChangeFeatureCell(int x, int y, int mode)
 {
     TerrainCell* cell = CellAt(x, y);
-    const FeatureRow* feature = FindFeature(editing.featureTool);
+    const TerrainRow* feature = FeatureOfTool(editing.featureTool);
     if (cell == nullptr || feature == nullptr) {
         return mode;
     }
-    mode = ChangeField(cell, feature->field, feature->value, mode);
+    mode = ChangeField(cell, *feature, mode);
     DrawFeatureCellMark(x, y, mode == setCell);
     return mode;
 }
 
-int MoveCostCodeOfTool(int32_t tool)
-{
-    static const int codes[] = {0, 1, 2, 3, 4, 6};
-    const bool isTool = tool >= clearTool && tool <= waterTool;
-    return isTool ? codes[tool - clearTool] : 0;
-}
-
-int PaintMoveCostCell(int x, int y, int mode)
+int ChangeMoveCostCell(int x, int y, int mode)
 {
     TerrainCell* cell = CellAt(x, y);
     if (cell == nullptr) {
         return mode;
     }
-    const auto value = static_cast<TerrainCell>(MoveCostCodeOfTool(editing.moveCostTool) << cellMoveCostShift);
-    mode = ChangeField(cell, cellMoveCostMask, value, mode);
+    mode = ChangeField(cell, SelectedMoveCost(), mode);
     DrawMoveCostCellMark(x, y);
     return mode;
 }
 
+const TerrainRow& SelectedMoveCost()
+{
+    const TerrainRow* selected = MoveCostOfTool(editing.moveCostTool);
+    return selected != nullptr ? *selected : TerrainRows(moveCostTerrain).front();
+}
+
 void FeaturesStroke(WindowPtr palette)
 {
-    RunStroke(palette, PaintFeatureCell);
+    RunStroke(palette, ChangeFeatureCell);
 }
 
 void MoveCostStroke(WindowPtr palette)
 {
-    RunStroke(palette, PaintMoveCostCell);
+    RunStroke(palette, ChangeMoveCostCell);
 }

@@ -8,12 +8,13 @@ enum CellMode { toggleCell = 0, setCell = 1, clearCell = 2 };
 
 // Changes one cell with the selected tool and draws its mark. Returns the mode used; outside the grid nothing changes
 // and the mode comes back as it was.
-int PaintFeatureCell(int x, int y, int mode);
-int PaintMoveCostCell(int x, int y, int mode);
+int ChangeFeatureCell(int x, int y, int mode);
+int ChangeMoveCostCell(int x, int y, int mode);
 
 // Run the stroke that the current event's press begins, to the release. With Alt held the press selects an area
 // instead; the palette is the one that is open.
 void FeaturesStroke(WindowPtr palette);
 void MoveCostStroke(WindowPtr palette);
 
-int MoveCostCodeOfTool(int32_t tool); // 0 for anything that is no tool
+// What the move-cost tool sets; Clear while none is selected.
+const TerrainRow& SelectedMoveCost();

@@ -1,14 +1,12 @@
 #include "editing/whole_map.h"
 
 #include "dialogs/modal.h"
-#include "mapdata/map_record.h"
+#include "mapdata/rescue.h"
+#include "mapdata/terrain.h"
 #include "toolbox/resources.h"
 #include "toolbox/shell_door.h"
 
 namespace {
-
-constexpr int questionList = 15000;
-constexpr int rough2Code = 2;
 
 template <class Change>
 void ChangeEveryCell(Change change)
@@ -19,6 +17,7 @@ void ChangeEveryCell(Change change)
             cell = static_cast<TerrainCell>(change(cell));
         }
     }
+    NoteMapChange();
 }
 
 } // namespace
@@ -35,15 +34,16 @@ void ClearEveryMoveCost()
 
 void RaiseWoodsAndTownsToR2()
 {
-    ChangeEveryCell([](TerrainCell cell) {
-        const bool slows = (cell & (cellWoods | cellTown)) != 0 && cell >> cellMoveCostShift < rough2Code;
-        return slows ? (cell & cellFeaturesMask) | rough2Code << cellMoveCostShift : cell;
+    const TerrainCell rough2 = MoveCostOfTool(rough2Tool)->value;
+    ChangeEveryCell([=](TerrainCell cell) {
+        const bool slows = (cell & (cellWoods | cellTown)) != 0 && MoveCostCodeOf(cell) < MoveCostCodeOf(rough2);
+        return slows ? (cell & cellFeaturesMask) | rough2 : cell;
     });
 }
 
 void RemoveAllFeatures()
 {
-    if (YesNoAlert(280, 140, questionList, 161, nullptr)) {
+    if (YesNoAlert(280, 140, removeAllQuestionText)) {
         ClearEveryFeature();
         InvalidateMapRect(nullptr);
     }
@@ -51,14 +51,14 @@ void RemoveAllFeatures()
 
 void ZeroAllMoveCosts()
 {
-    if (YesNoAlert(300, 120, questionList, 162, nullptr)) {
+    if (YesNoAlert(300, 120, zeroAllQuestionText)) {
         ClearEveryMoveCost();
     }
 }
 
 void SetWoodsAndTownsToR2()
 {
-    if (YesNoAlert(200, 100, questionList, 160, nullptr)) {
+    if (YesNoAlert(200, 100, setToR2QuestionText)) {
         RaiseWoodsAndTownsToR2();
         SystemBeep();
         SystemBeep();

@@ -2,6 +2,7 @@
 // step: what the user does, and two numbers for where or how much. At the end the user answers whatever is open,
 // saves and quits.
 #include "app/application.h"
+#include "app/commands.h"
 #include "dialogs/modal.h"
 #include "fuzz/session_world.h"
 #include "fuzz/targets.h"
@@ -53,7 +54,6 @@ void ClickNthItem(int number)
 
 void PlayStep(int kind, int a, int b)
 {
-    constexpr int commands[] = {101, 102, 104, 106, 201, 202, 203, 204, 205, 301, 302, 303, 304, 305, 401, 402};
     constexpr int keys[] = {VK_RETURN, VK_ESCAPE, VK_TAB,    VK_BACK, VK_LEFT, VK_RIGHT, VK_UP, VK_DOWN,
                             VK_F1 + 7, VK_F1 + 8, VK_DELETE, VK_HOME, VK_END,  '0',      '7',   'A'};
     constexpr int modifierKeys[] = {VK_SHIFT, VK_MENU, VK_CONTROL};
@@ -81,7 +81,7 @@ void PlayStep(int kind, int a, int b)
         return ScriptControl("notsmqr"[a % 7]);
     case 10:
     case 11:
-        return ScriptMenu(commands[static_cast<size_t>(a) % std::size(commands)]);
+        return ScriptMenu(commandTable[a % commandCount].command);
     case 12:
         return ScriptWheel((a - 128) * 4);
     case 13:

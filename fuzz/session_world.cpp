@@ -3,97 +3,62 @@
 #include "app/application.h"
 #include "dialogs/dialog.h"
 #include "mapdata/map_bytes.h"
+#include "mapdata/terrain.h"
 #include "platform/host/headless/headless.h"
 #include "platform/user/platform_reset.h"
 #include "toolbox/resources.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
 namespace {
 
-constexpr uint16_t carriedBits = 0x0015; // without a meaning here
-constexpr int mostPixels = 4096;         // a side of any window
-constexpr struct {
-    int16_t width;
-    int16_t height;
-} mapSizes[] = {{450, 220}, {455, 225}, {700, 500}, {300, 150}};
-
-void Put(std::string* bytes, uint32_t value, int width)
-{
-    for (int i = 0; i < width; i++) {
-        bytes->push_back(static_cast<char>(value >> 8 * i & 0xFF));
-    }
-}
-
-void WriteFile(const std::string& name, const std::string& bytes)
-{
-    std::ofstream(name, std::ios::binary).write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
+constexpr int mostPixels = 4096; // a side of any window
+constexpr std::pair<int, int> mapSizes[] = {{450, 220}, {455, 225}, {700, 500}, {300, 150}};
 
 // Two colours, one bit a pixel.
 std::string ArtFile(int width, int height)
 {
-    const int stride = (width + 31) / 32 * 4;
-    std::string bytes = "BM";
-    for (const int value : {62 + stride * height, 0, 62, 40, width, height}) {
-        Put(&bytes, static_cast<uint32_t>(value), 4);
-    }
-    Put(&bytes, 0x00010001, 4); // planes and bits
-    for (const uint32_t value : {0u, 0u, 0u, 0u, 2u, 2u, 0x204060u, 0xC0E0A0u}) {
-        Put(&bytes, value, 4);
-    }
-    bytes.append(static_cast<size_t>(stride * height), '\x5A');
-    return bytes;
+    const std::string head = BitmapHead(width, height, 1, {0x204060, 0xC0E0A0});
+    return head + std::string(static_cast<size_t>((width + 31) / 32 * 4 * height), '\x5A');
 }
 
 // Only values that the editor knows, with the carried bits strewn in.
 uint16_t FirstCell(uint32_t number, uint8_t terrain)
 {
     const uint32_t mixed = (number + terrain) * 2654435761u >> 7;
-    constexpr uint16_t noGoLevels[] = {0, 1, 2, 4};
-    constexpr uint16_t costCodes[] = {0, 1, 2, 3, 4, 6, 0, 0};
+    const auto pick = [](TerrainGroup group, size_t place) {
+        const auto rows = TerrainRows(group);
+        return place < rows.size() ? rows[place].value : TerrainCell{0};
+    };
     const uint32_t features = terrain == 0 ? 0 : mixed & 0xFF;
-    const uint32_t level = terrain < 64 ? 0 : noGoLevels[mixed >> 8 & 3];
-    const uint32_t code = terrain < 128 ? 0 : costCodes[mixed >> 10 & 7];
-    return static_cast<uint16_t>(features | level << cellNoGoShift | code << cellMoveCostShift);
+    const uint32_t level = terrain < 64 ? 0 : pick(noGoTerrain, (mixed >> 8 & 3) - 1);
+    const uint32_t cost = terrain < 128 ? 0 : pick(moveCostTerrain, mixed >> 10 & 7);
+    return static_cast<uint16_t>(features | level | cost);
+}
+
+// The bits without a meaning here.
+TerrainCell CarriedBits()
+{
+    TerrainCell known = 0;
+    for (const TerrainRow& row : TerrainRows()) {
+        known |= row.field;
+    }
+    return static_cast<TerrainCell>(~known);
 }
 
 std::string DataFile(uint8_t shape, uint8_t terrain)
 {
-    MapRecord record;
-    const auto& size = mapSizes[shape >> 2 & 3];
-    record.mapID = shape & 0x40 ? 202 : 101;
-    record.mapRect = {0, 0, size.height, size.width};
-    record.columnCount = static_cast<int16_t>(CellCountOf(size.width));
-    record.rowCount = static_cast<int16_t>(CellCountOf(size.height));
+    const auto& [width, height] = mapSizes[shape >> 2 & 3];
+    MapFile map(shape & 0x40 ? 202 : 101, width, height);
+    int16_t& columns = map.words[columnsWord];
+    int16_t& rows = map.words[rowsWord];
     // Counts that do not agree with the sizes are taken as stored.
-    switch (shape >> 4 & 3) {
-    case 1:
-        record.columnCount = static_cast<int16_t>(record.columnCount / 2);
-        break;
-    case 2:
-        record.rowCount = static_cast<int16_t>(record.rowCount + 30);
-        break;
-    case 3:
-        record.columnCount = static_cast<int16_t>(record.columnCount + 9);
-        record.rowCount = 1;
-        break;
-    default:
-        break;
+    const int counts[][2] = {{columns, rows}, {columns / 2, rows}, {columns, rows + 30}, {columns + 9, 1}};
+    columns = static_cast<int16_t>(counts[shape >> 4 & 3][0]);
+    rows = static_cast<int16_t>(counts[shape >> 4 & 3][1]);
+    map.SizeCells();
+    for (size_t number = 0; number < map.cells.size(); number++) {
+        map.cells[number] = FirstCell(static_cast<uint32_t>(number), terrain);
     }
-    record.versionNumber = 100;
-    std::string bytes(maxMapHeaderBytes, '\0');
-    bytes.resize(EncodeMapHeader(&record, reinterpret_cast<uint8_t*>(bytes.data())));
-    const uint32_t cellCount = static_cast<uint32_t>(record.columnCount * record.rowCount);
-    for (uint32_t number = 0; number < cellCount; number++) {
-        Put(&bytes, FirstCell(number, terrain), 2);
-    }
-    return bytes;
+    return map.Bytes();
 }
 
 // Palettes alone have a title bar of the program's.
@@ -115,11 +80,12 @@ void CheckCell(SessionWorld* world, int x, int y)
 {
     const uint16_t now = currentMap.cellColumns[x][y];
     const uint16_t first = world->firstCells[static_cast<size_t>(x * world->rowCount + y)];
-    const int code = now >> cellMoveCostShift;
-    if (!IsOneOf((now & cellNoGoMask) >> cellNoGoShift, {0, 1, 2, 4}) || !IsOneOf(code, {0, 1, 2, 3, 4, 6})) {
+    const int code = MoveCostCodeOf(now);
+    if ((NoGoLevelOf(now) != 0 && NoGoOf(now) == nullptr) || MoveCostOf(now) == nullptr) {
         NoteFault(world, "a cell holds a value that no tool sets");
     }
     // Only Remove All Features takes the carried bits.
+    static const TerrainCell carriedBits = CarriedBits();
     if (!IsOneOf(now & carriedBits, {first & carriedBits, 0})) {
         NoteFault(world, "a cell's carried bits changed");
     }
@@ -161,18 +127,12 @@ void CheckGrid(SessionWorld* world)
 void BeginSession(SessionWorld* world, uint8_t shape, uint8_t terrain)
 {
     *world = {};
-    world->startFolder = std::filesystem::current_path();
-    world->folder = std::filesystem::temp_directory_path() / "kestrel-fuzz-XXXXXX";
-    if (mkdtemp(world->folder.data()) == nullptr) {
-        std::perror("a folder for the session");
-        std::abort();
-    }
-    std::filesystem::current_path(world->folder);
-    const auto& size = mapSizes[shape >> 2 & 3];
-    WriteFile("Map101c.dat", DataFile(shape, terrain));
-    WriteFile("Map101c.bmp", ArtFile(size.width, size.height));
-    WriteFile("Map102c.dat", "no map");
-    WriteFile("Map102c.bmp", "no art");
+    world->folder = std::make_unique<TemporaryFolder>();
+    const auto& [width, height] = mapSizes[shape >> 2 & 3];
+    world->folder->Write("Map101c.dat", DataFile(shape, terrain));
+    world->folder->Write("Map101c.bmp", ArtFile(width, height));
+    world->folder->Write("Map102c.dat", "no map");
+    world->folder->Write("Map102c.bmp", "no art");
     HeadlessReset(640, 480);
     host = &headlessHost;
     host->start();
@@ -183,8 +143,7 @@ std::string EndSessionWorld(SessionWorld* world)
     PlatformReset();
     SetPort(nullptr);
     host->stop();
-    std::filesystem::current_path(world->startFolder);
-    std::filesystem::remove_all(world->folder);
+    world->folder.reset();
     return world->fault;
 }
 
@@ -199,7 +158,7 @@ std::string SessionFileName(const SessionWorld& world, int number)
 {
     constexpr const char* names[] = {"Map101c.dat", "Map101c.bmp", "Map102c.dat", "Map102c.bmp",
                                      "Map103c.dat", "Map099c.dat", "a",           ""};
-    return world.folder + "/" + names[static_cast<size_t>(number) % std::size(names)];
+    return world.folder->Path(names[static_cast<size_t>(number) % std::size(names)]);
 }
 
 WindowPtr TopSessionDialog()
@@ -262,13 +221,7 @@ void CompareSavedFile(SessionWorld* world)
             Put(&expected, *CellAt(x, y), 2);
         }
     }
-    char path[256];
-    if (!FullPath(&currentMap.dataFileSpec, path)) {
-        return NoteFault(world, "the data file has no path");
-    }
-    std::ifstream file(path, std::ios::binary);
-    const std::string stored{std::istreambuf_iterator<char>(file), {}};
-    if (stored != expected) {
+    if (world->folder->Read(currentMap.dataFileSpec.name) != expected) {
         NoteFault(world, "the saved file is not what is in memory");
     }
     if (currentMap.mapModified || currentMap.openDataFile != noFile) {

@@ -1,16 +1,14 @@
 // The surroundings of a fuzzed session: its folder with a small map, and what must hold in it at any time.
 #pragma once
 
+#include "tests/map_files.h"
 #include "toolbox/shell_door.h"
 
-#include <cstdint>
-#include <string>
-#include <vector>
+#include <memory>
 
 struct SessionWorld {
-    std::string fault; // the first one noticed
-    std::string startFolder;
-    std::string folder; // of the session's files
+    std::string fault;                       // the first one noticed
+    std::unique_ptr<TemporaryFolder> folder; // of the session's files
     bool gridSeen = false;
     std::vector<uint16_t> firstCells; // as they were when the map was first seen, column by column
     std::vector<const uint16_t*> columns;

@@ -41,10 +41,10 @@ int16_t ReadMapHeader(HFILE file)
     currentMap.loadedMapID = currentMap.record.mapID;
     SetEditableRect();
     if ((faults & mapTooWide) != 0) {
-        MessageAlert(0, 0, alertSound, 15000, 124, nullptr);
+        MessageAlert(0, 0, alertSound, mapWidthLimitsText);
     }
     if ((faults & mapTooHigh) != 0) {
-        MessageAlert(0, 0, alertSound, 15000, 125, nullptr);
+        MessageAlert(0, 0, alertSound, mapHeightLimitsText);
     }
     if (faults != 0) {
         return 1;

@@ -20,15 +20,15 @@ void FileNameForID(int id, const char* ending, char* name)
 struct RuleLine {
     int top;
     int bottom;
-    int dataFileIndex; // list 15000
-    int artFileIndex;
+    TextID dataFileText;
+    TextID artFileText;
 };
 
 constexpr RuleLine ruleLines[] = {
-    {35, 70, 173, 129},
-    {70, 105, 174, 130},
-    {105, 140, 131, 131},
-    {125, 160, 175, 132},
+    {35, 70, dataFileNameErrorText, artFileNameErrorText},
+    {70, 105, dataFileNameRuleText, artFileNameRuleText},
+    {105, 140, fileNumberRuleText, fileNumberRuleText},
+    {125, 160, dataFileNameExampleText, artFileNameExampleText},
 };
 
 } // namespace
@@ -47,8 +47,6 @@ void FileNameRuleAlert(int which)
 {
     constexpr int width = 400;
     constexpr int height = 190;
-    WindowPtr savedPort = nullptr;
-    GetPort(&savedPort);
     const WindowPtr dialog = NewMockDialog(0, width, height, "", nullptr);
     if (dialog == nullptr) {
         return;
@@ -60,10 +58,10 @@ void FileNameRuleAlert(int which)
     char text[textBufferSize] = "";
     CopyText(isDataFile ? currentMap.dataFileSpec.name : currentMap.artFileSpec.name, text);
     AppendText(text, " ?");
-    AddStaticText(dialog, 10, 10, width - 10, 27, text);
+    AddItem(dialog, {staticTextItem, MakeRect(10, 10, width - 10, 27), text});
     for (const RuleLine& line : ruleLines) {
-        GetIndString(text, 15000, isDataFile ? line.dataFileIndex : line.artFileIndex);
-        AddStaticText(dialog, 10, line.top, width - 10, line.bottom, text);
+        GetText(text, isDataFile ? line.dataFileText : line.artFileText);
+        AddItem(dialog, {staticTextItem, MakeRect(10, line.top, width - 10, line.bottom), text});
     }
 
     ShowWindowInactive(dialog);
@@ -74,7 +72,6 @@ void FileNameRuleAlert(int which)
     while (RunDialogStep(dialog, &itemHit, &itemID) && itemHit != 1) {
     }
     DisposeMockDialog(dialog);
-    SetPort(savedPort);
     PaintMapWindow();
     AdjustMenus();
 }

@@ -1,6 +1,7 @@
 // The three property dialogs of the Edit menu.
 #include "dialogs/modal.h"
 #include "mapdata/number_dialog.h"
+#include "mapdata/rescue.h"
 #include "toolbox/shell_door.h"
 #include "toolbox/windows.h"
 
@@ -10,14 +11,15 @@ namespace {
 
 void FinishPropertyDialog()
 {
+    NoteMapChange();
     PaintMapWindow();
     AdjustMenus();
 }
 
 // A dialog for one property of the record.
-bool AskForNumber(int16_t* property, int least, int greatest, int labelIndex, int errorIndex)
+bool AskForNumber(int16_t* property, int least, int greatest, TextID label, TextID error)
 {
-    NumberField field = {editedNumber, 105, 10, *property, least, greatest, labelIndex, errorIndex};
+    NumberField field = {editedNumber, 105, 10, *property, least, greatest, label, error};
     if (!RunNumberDialog(280, 70, nullptr, &field, 1)) {
         return false;
     }
@@ -30,7 +32,7 @@ bool AskForNumber(int16_t* property, int least, int greatest, int labelIndex, in
 
 void MapIDDialog()
 {
-    if (AskForNumber(&currentMap.record.mapID, minMapID, maxMapID, 191, 190)) {
+    if (AskForNumber(&currentMap.record.mapID, minMapID, maxMapID, mapIDDialogLabelText, mapIDDialogLimitsText)) {
         char name[256];
         DataFileNameForID(currentMap.record.mapID, name);
         SetWTitle(shell.mapWindow, name);
@@ -40,7 +42,7 @@ void MapIDDialog()
 
 void VersionDialog()
 {
-    AskForNumber(&currentMap.record.versionNumber, 100, 999, 120, 126);
+    AskForNumber(&currentMap.record.versionNumber, 100, 999, versionLabelText, versionLimitsText);
     FinishPropertyDialog();
 }
 
@@ -48,15 +50,14 @@ void UTMDialog()
 {
     MapRecord& record = currentMap.record;
     NumberField fields[] = {
-        {editedNumber, 106, 10, record.utmEasting, 0, 99, 121, 127},
-        {editedNumber, 107, 30, record.utmNorthing, 0, 99, 122, 128},
+        {editedNumber, 106, 10, record.utmEasting, 0, 99, utmEastingLabelText, utmEastingLimitsText},
+        {editedNumber, 107, 30, record.utmNorthing, 0, 99, utmNorthingLabelText, utmNorthingLimitsText},
     };
     if (RunNumberDialog(460, 100, nullptr, fields, std::size(fields))) {
         record.utmEasting = static_cast<int16_t>(fields[0].value);
         record.utmNorthing = static_cast<int16_t>(fields[1].value);
         currentMap.mapModified = 1;
-        if (view.utmGridMode != 0 && LoadMapArt() == 0) {
-            DrawUTMGrid();
+        if (view.utmGridMode != 0 && ComposeMapImage() == 0) {
             InvalidateMapRect(nullptr);
         }
     }

@@ -1,5 +1,6 @@
 #include "mapdata/file_paths.h"
 #include "mapdata/number_dialog.h"
+#include "mapdata/rescue.h"
 #include "toolbox/drawing.h"
 #include "toolbox/resources.h"
 #include "toolbox/shell_door.h"
@@ -41,7 +42,7 @@ void FillNewRecord(int id, const ArtSize& art, int version, int easting, int nor
     record.auxWord2 = 0;
     record.columnCount = static_cast<int16_t>(CellCountOf(art.width));
     record.rowCount = static_cast<int16_t>(CellCountOf(art.height));
-    SetRect(&record.mapRect, 0, 0, art.width, art.height);
+    record.mapRect = MakeRect(0, 0, art.width, art.height);
     record.areaFlag1 = 1;
     record.areaRect1 = record.mapRect;
     record.areaFlag2 = 0;
@@ -70,6 +71,8 @@ void NewMapCommand()
     }
     if (created) {
         currentMap.mapModified = 1;
+        NoteMapCreated();
+        OfferRescueCopy();
     }
     AdjustMenus();
     InitCursor();
@@ -78,7 +81,7 @@ void NewMapCommand()
 int16_t ChooseArtFile()
 {
     char title[textBufferSize];
-    GetIndString(title, 4000, 197);
+    GetText(title, chooseArtFileText);
     if (!ChooseFileSpec(title, "Map bmp file (*.bmp)\0*.bmp\0", &currentMap.artFileSpec)) {
         return 1;
     }
@@ -120,12 +123,12 @@ int16_t NewMapDialog(int16_t id)
     AppendText(heading, " and ");
     AppendText(heading, currentMap.artFileSpec.name);
     NumberField fields[] = {
-        {shownNumber, 101, 30, id, minMapID, maxMapID, 117, 123},
-        {shownNumber, 102, 50, art.width, minMapWidth, maxMapSide, 118, 124},
-        {shownNumber, 103, 70, art.height, minMapHeight, maxMapSide, 119, 125},
-        {editedNumber, 105, 90, 100, 100, 999, 120, 126},
-        {editedNumber, 106, 110, 0, 0, 99, 121, 127},
-        {editedNumber, 107, 130, 0, 0, 99, 122, 128},
+        {shownNumber, 101, 30, id, minMapID, maxMapID, mapIDLabelText, mapIDLimitsText},
+        {shownNumber, 102, 50, art.width, minMapWidth, maxMapSide, mapWidthLabelText, mapWidthLimitsText},
+        {shownNumber, 103, 70, art.height, minMapHeight, maxMapSide, mapHeightLabelText, mapHeightLimitsText},
+        {editedNumber, 105, 90, 100, 100, 999, versionLabelText, versionLimitsText},
+        {editedNumber, 106, 110, 0, 0, 99, utmEastingLabelText, utmEastingLimitsText},
+        {editedNumber, 107, 130, 0, 0, 99, utmNorthingLabelText, utmNorthingLimitsText},
     };
     // A map that was opened by its command key under the dialog stays.
     const bool accepted = RunNumberDialog(460, 190, heading, fields, std::size(fields)) && !shell.mapShown;

@@ -18,21 +18,17 @@ void AddNumberField(WindowPtr dialog, int width, const NumberField& field)
     char text[textBufferSize] = "";
     NumToString(field.value, text);
     if (field.kind == editedNumber) {
-        Rect rect;
-        SetRect(&rect, fieldLeft, field.top, fieldLeft + 30, field.top + 15);
-        DialogItem* item =
-            AddDialogItem(dialog, 1, &rect, text, 0, 0, 1, editTextColour, editTextItem, field.itemID, styleBold, 10);
-        if (item != nullptr) {
-            item->digitsOnly = 1;
-        }
+        AddItem(dialog, {.kind = editTextItem,
+                         .place = MakeRect(fieldLeft, field.top, fieldLeft + 30, field.top + 15),
+                         .text = text,
+                         .itemID = field.itemID,
+                         .digitsOnly = true});
     } else {
-        DialogItem* item = AddStaticText(dialog, fieldLeft, field.top, labelLeft, field.top + rowHeight, text);
-        if (item != nullptr) {
-            item->itemID = field.itemID;
-        }
+        AddItem(dialog, {staticTextItem, MakeRect(fieldLeft, field.top, labelLeft, field.top + rowHeight), text,
+                         field.itemID});
     }
-    GetIndString(text, 15000, field.labelIndex);
-    AddStaticText(dialog, labelLeft, field.top, width - 10, field.top + rowHeight, text);
+    GetText(text, field.label);
+    AddItem(dialog, {staticTextItem, MakeRect(labelLeft, field.top, width - 10, field.top + rowHeight), text});
 }
 
 // Takes the numbers over; returns the first field that is outside its limits, or null.
@@ -52,8 +48,6 @@ const NumberField* TakeNumbers(WindowPtr dialog, NumberField* fields, int fieldC
 
 int RunNumberDialog(int width, int height, const char* heading, NumberField* fields, int fieldCount)
 {
-    WindowPtr savedPort = nullptr;
-    GetPort(&savedPort);
     DisableMenuTitles();
     const WindowPtr dialog = NewMockDialog(0, width, height, "", nullptr);
     if (dialog == nullptr) {
@@ -62,7 +56,7 @@ int RunNumberDialog(int width, int height, const char* heading, NumberField* fie
     dialog->defaultItem = AddOKButton(dialog, width - 60, height - 30, width - 10, height - 10);
     AddCancelButton(dialog, width - 130, height - 30, width - 70, height - 10);
     if (heading != nullptr) {
-        AddStaticText(dialog, 10, 10, width - 10, 30, heading);
+        AddItem(dialog, {staticTextItem, MakeRect(10, 10, width - 10, 30), heading});
     }
     for (int i = 0; i < fieldCount; i++) {
         AddNumberField(dialog, width, fields[i]);
@@ -82,13 +76,12 @@ int RunNumberDialog(int width, int height, const char* heading, NumberField* fie
             accepted = 1;
             break;
         }
-        MessageAlert(0, 0, alertSound, 15000, wrong->errorIndex, nullptr);
+        MessageAlert(0, 0, alertSound, wrong->error);
         DisableMenuTitles();
         if (wrong->kind == editedNumber) {
             SelectEditItem(dialog, wrong->itemID, 0);
         }
     }
     DisposeMockDialog(dialog);
-    SetPort(savedPort);
     return accepted;
 }

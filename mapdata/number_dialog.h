@@ -1,6 +1,7 @@
 // The dialog that New Map and the map properties share: numbers with labels, checked against their limits.
 #pragma once
 
+#include "generated/text_names.h"
 #include "mapdata/map_commands.h"
 
 enum NumberFieldKind { shownNumber, editedNumber };
@@ -12,8 +13,8 @@ struct NumberField {
     int value; // shown at first; as the user left it after OK
     int least;
     int greatest;
-    int labelIndex; // list 15000
-    int errorIndex; // list 15000
+    TextID label;
+    TextID error; // said when the value is outside its limits
 };
 
 // A dialog of that size with OK and Cancel, an optional line of text on top and the fields. OK ends it only when

@@ -2,6 +2,7 @@
 #include "mapdata/data_file.h"
 #include "mapdata/file_paths.h"
 #include "mapdata/map_commands.h"
+#include "mapdata/rescue.h"
 #include "toolbox/offscreen.h"
 #include "toolbox/resources.h"
 #include "toolbox/shell_door.h"
@@ -16,7 +17,7 @@ int16_t ReadDataFile()
     currentMap.record = {}; // a file that ends early must not take over what an earlier attempt read
     if (ReadMapHeader(currentMap.openDataFile) != 0) {
         CloseMapDataFile();
-        MessageAlert(0, 0, alertSound, 15000, 133, nullptr);
+        MessageAlert(0, 0, alertSound, unreadableDataFileText);
         return 1;
     }
     if (AllocateCellColumns() != 0) {
@@ -84,10 +85,17 @@ void SetMapTitle()
 void OpenMapCommand()
 {
     CloseMapDataFile();
+    const bool chosen = ChooseMapDataFile() == 0;
+    const bool rescued = chosen && UseRescueCopyForBrokenFile() != 0;
     const bool opened =
-        ChooseMapDataFile() == 0 && OpenMapDataFile() == 0 && ReadDataFile() == 0 && FinishMapLoad() == 0;
+        chosen && (rescued || (OpenMapDataFile() == 0 && ReadDataFile() == 0)) && FinishMapLoad() == 0;
     if (!opened) {
         CloseMapDataFile();
+    } else if (rescued) {
+        NoteBrokenFileReplaced();
+    } else {
+        NoteMapOpened();
+        OfferRescueCopy();
     }
     AdjustMenus();
     InitCursor();
@@ -121,7 +129,7 @@ int16_t ChooseMapDataFile()
 int16_t OpenMapDataFile()
 {
     if (OpenFileSpecRead(&currentMap.dataFileSpec, &currentMap.openDataFile) != 0) {
-        MessageAlert(0, 0, alertSound, 15000, 135, nullptr);
+        MessageAlert(0, 0, alertSound, dataFileNotOpenedText);
         return 1;
     }
     return 0;
@@ -145,7 +153,7 @@ int16_t FinishMapLoad()
     }
     FitWindowToMap();
     CreateScrollBarsIfNeeded();
-    if (LoadMapArt() != 0) {
+    if (ComposeMapImage() != 0) {
         ForgetMapView();
         return 1;
     }

@@ -1,6 +1,7 @@
 #include "dialogs/modal.h"
 #include "mapdata/data_file.h"
 #include "mapdata/map_commands.h"
+#include "mapdata/rescue.h"
 #include "toolbox/resources.h"
 #include "toolbox/shell_door.h"
 
@@ -39,16 +40,15 @@ int16_t CreateTarget()
 struct QuitButton {
     int left;
     int right;
-    int list;
-    int index;
+    TextID textID;
     int32_t itemID;
 };
 
 // Save and No Save share an ID, their numbers tell them apart.
 constexpr QuitButton quitButtons[] = {
-    {170, 230, 15000, 138, okItemID},
-    {100, 160, 15000, 139, okItemID},
-    {30, 90, 6000, 44, cancelItemID},
+    {170, 230, saveButtonText, okItemID},
+    {100, 160, noSaveButtonText, okItemID},
+    {30, 90, cancelButtonText, cancelItemID},
 };
 
 enum QuitAnswer { saveAnswer = 1, noSaveAnswer = 2, cancelAnswer = 3 };
@@ -57,9 +57,10 @@ enum QuitAnswer { saveAnswer = 1, noSaveAnswer = 2, cancelAnswer = 3 };
 
 int16_t SaveMap(bool confirm)
 {
-    if (confirm && !YesNoAlert(240, 100, 15000, 137, nullptr)) {
+    if (confirm && !YesNoAlert(240, 100, saveQuestionText)) {
         return 1;
     }
+    NoteSavingBegins();
     CloseMapDataFile();
     if (currentMap.record.mapID == currentMap.loadedMapID) {
         MakeBackup();
@@ -70,13 +71,14 @@ int16_t SaveMap(bool confirm)
         return 1;
     }
     if (OpenFileSpec(&currentMap.dataFileSpec, &currentMap.openDataFile) != 0) {
-        MessageAlert(0, 0, alertSound, 15000, 136, nullptr);
+        MessageAlert(0, 0, alertSound, newFileNotOpenedText);
         return 1;
     }
     const int16_t status = WriteMapData(currentMap.openDataFile);
     CloseMapDataFile();
     if (status == 0) {
         currentMap.mapModified = 0;
+        NoteMapSaved();
     }
     return status;
 }
@@ -86,21 +88,19 @@ int AskSaveBeforeQuit()
     if (!currentMap.mapModified) {
         return noSaveAnswer;
     }
-    WindowPtr savedPort = nullptr;
-    GetPort(&savedPort);
     const WindowPtr dialog = NewMockDialog(0, 240, 70, "", nullptr);
     if (dialog == nullptr) {
         return 0;
     }
     char text[textBufferSize];
     for (const QuitButton& button : quitButtons) {
-        GetIndString(text, button.list, button.index);
-        AddPushButton(dialog, button.left, 40, button.right, 60, text, button.itemID);
+        GetText(text, button.textID);
+        AddItem(dialog, {pushButtonItem, MakeRect(button.left, 40, button.right, 60), text, button.itemID});
     }
     // With a button missing for want of memory the numbers would tell the wrong answer.
     dialog->defaultItem = dialog->itemCount == std::size(quitButtons) ? dialog->firstItem : nullptr;
-    GetIndString(text, 15000, 140);
-    AddStaticText(dialog, 10, 10, 230, 30, text);
+    GetText(text, saveBeforeQuitQuestionText);
+    AddItem(dialog, {staticTextItem, MakeRect(10, 10, 230, 30), text});
 
     ShowWindowInactive(dialog);
     DrawMockDialog(dialog, false);
@@ -115,7 +115,6 @@ int AskSaveBeforeQuit()
         }
     }
     DisposeMockDialog(dialog);
-    SetPort(savedPort);
     PaintMapWindow();
     return answer;
 }
@@ -126,11 +125,13 @@ void QuitCommand()
         const int answer = AskSaveBeforeQuit();
         if (answer == saveAnswer) {
             SaveMap(false);
+        } else if (answer == noSaveAnswer) {
+            DropRescueCopy();
         }
         if (answer == saveAnswer || answer == noSaveAnswer) {
             RequestQuit();
         }
-    } else if (YesNoAlert(200, 70, 4000, 17, nullptr)) {
+    } else if (YesNoAlert(200, 70, quitQuestionText)) {
         RequestQuit();
     }
     PaintMapWindow();

@@ -10,6 +10,7 @@
 #include <commdlg.h>
 #include <mmsystem.h>
 #include <shellapi.h>
+#include <shlobj.h>
 #include <stdlib.h>
 #include <windows.h>
 #undef FindWindow

@@ -1,6 +1,6 @@
 // Dialogs, their items and the alerts, in the running program.
 #include "platform/kernel/test_hooks.h"
-#include "tests/dialog_driver.h"
+#include "tests/editor_session.h"
 #include "toolbox/menus.h"
 #include "toolbox/resources.h"
 
@@ -12,22 +12,36 @@ constexpr COLORREF olive = RGB(89, 122, 25);
 constexpr COLORREF red = RGB(255, 0, 0);
 constexpr COLORREF tan = RGB(204, 154, 102);
 
-constexpr COLORREF Grey(int level)
+// The colours of a row or column of pixels, a letter each: a grey by its level's first digit, c the face of a button.
+std::string Scan(WindowPtr window, MapPoint from, MapPoint to)
 {
-    return RGB(level, level, level);
+    const std::pair<COLORREF, char> letters[] = {{olive, 'o'}, {red, 'r'}, {tan, 't'}, {RGB(0xC0, 0xC0, 0xC0), 'c'}};
+    std::string text;
+    for (MapPoint place = from; place.h <= to.h && place.v <= to.v;) {
+        const COLORREF colour = PixelOf(window, place.h, place.v);
+        const int level = GetRValue(colour);
+        char letter = colour == RGB(level, level, level) && level % 17 == 0 ? "0123456789ABCDEF"[level / 17] : '?';
+        for (const auto& [known, name] : letters) {
+            letter = colour == known ? name : letter;
+        }
+        text += letter;
+        (from.v == to.v ? place.h : place.v)++;
+    }
+    return text;
 }
 
-class DialogsTest : public DialogDriver {
+class DialogsTest : public StartedProgram {
   protected:
     void TearDown() override
     {
         DisposeMockDialog(dialog);
         dialog = nullptr;
-        DialogDriver::TearDown();
+        StartedProgram::TearDown();
     }
 
-    WindowPtr MakeDialog(int frameStyle = 0)
+    WindowPtr MakeDialog(int frameStyle = 0) // in place of the one before
     {
+        DisposeMockDialog(dialog);
         const Point place = {40, 60};
         dialog = NewMockDialog(frameStyle, 200, 120, "", &place);
         return dialog;
@@ -57,6 +71,13 @@ class DialogsTest : public DialogDriver {
     {
         ShowWindowInactive(dialog);
         DrawMockDialog(dialog, true);
+    }
+
+    void AddTitleItems(std::initializer_list<int> kinds)
+    {
+        for (const int kind : kinds) {
+            AddDialogItem(dialog, 0, nullptr, "", 0, 0, 1, 0, kind, 0, 0, 0);
+        }
     }
 
     // The first report of the modal step that is neither nothing nor a repaint, once the script was played. {0, 0}
@@ -95,27 +116,21 @@ TEST_F(DialogsTest, ItemsAreNumberedFoundAndRead)
 {
     MakeDialog();
     AddOKButton(dialog, 140, 90, 190, 110);
-    AddStaticText(dialog, 10, 10, 190, 25, "text");
+    AddItem(dialog, {staticTextItem, MakeRect(10, 10, 190, 25), "text"});
     DialogItem* field = AddEditField(10, "  -12x", 105, true);
     DialogItem* box = AddCheckBox(60, 201, 1);
-    EXPECT_EQ(FindItemByNumber(dialog, 1)->itemID, okItemID);
     EXPECT_STREQ(FindItemByID(dialog, okItemID)->text, "OK");
     EXPECT_EQ(FindItemByNumber(dialog, 3), field);
     EXPECT_EQ(FindItemByNumber(dialog, 5), nullptr);
-    EXPECT_EQ(dialog->itemCount, 4);
     EXPECT_EQ(GetItemValue(dialog, 105, 1), -12) << "the ID counts before the number";
     EXPECT_EQ(GetItemValue(dialog, 0, 3), -12);
     EXPECT_EQ(GetItemValue(dialog, 999, 3), 0);
-    EXPECT_TRUE(ItemStateIs(dialog, 201, 0, 1));
     ToggleItem(dialog, 201, 0);
     EXPECT_EQ(box->state, 0);
     ToggleItem(dialog, 0, 4);
-    EXPECT_EQ(GetItemState(dialog, 201, 0), 1);
+    EXPECT_TRUE(ItemStateIs(dialog, 201, 0, 1));
     EXPECT_FALSE(ItemStateIs(dialog, 999, 0, 0)) << "an item that is not there has no state";
-    EXPECT_EQ(box->images[1].top, 225);
-    EXPECT_EQ(box->images[1].left, 325) << "the fourth rectangle is the image of state 1";
-    EXPECT_EQ(box->textH, 32);
-    EXPECT_EQ(box->textV, 72);
+    EXPECT_TRUE(box->textH == 32 && box->textV == 72);
 
     DialogItem* found = nullptr;
     EXPECT_EQ(FindItemAt({17, 20}, dialog, &found), 0) << "static texts take no clicks";
@@ -128,11 +143,9 @@ TEST_F(DialogsTest, ADialogStandsWhereItIsAskedForAndElseInTheMiddle)
 {
     Rect frame;
     GetWindowFrameRect(MakeDialog(), &frame);
-    EXPECT_EQ(frame.left, 60);
-    EXPECT_EQ(frame.top, 40);
-    EXPECT_EQ(dialog->portRect.right, 200);
-    EXPECT_EQ(dialog->portRect.bottom, 120);
-    EXPECT_FALSE(IsWindowVisible(dialog->window));
+    EXPECT_TRUE(frame.left == 60 && frame.top == 40);
+    EXPECT_TRUE(dialog->portRect.right == 200 && dialog->portRect.bottom == 120);
+    EXPECT_EQ(TopDialog(), nullptr) << "not shown yet";
     DisposeMockDialog(dialog);
     dialog = NewMockDialog(0, 201, 121, "", nullptr);
     GetWindowFrameRect(dialog, &frame);
@@ -158,7 +171,7 @@ TEST_F(DialogsTest, ShortMemoryLeavesNothingBehind)
     FailAllocationAfter(-1);
     MakeDialog();
     FailAllocationAfter(0);
-    EXPECT_EQ(AddStaticText(dialog, 0, 0, 10, 10, "x"), nullptr);
+    EXPECT_EQ(AddItem(dialog, {staticTextItem, MakeRect(0, 0, 10, 10), "x"}), nullptr);
     FailAllocationAfter(-1);
     DisposeMockDialog(dialog);
     dialog = nullptr;
@@ -168,105 +181,62 @@ TEST_F(DialogsTest, ShortMemoryLeavesNothingBehind)
 
 // ---- drawing ----
 
-struct Probe {
-    int h;
-    int v;
-    COLORREF colour;
-    const char* what;
-};
-
-void ExpectProbes(WindowPtr window, const std::vector<Probe>& probes)
-{
-    for (const Probe& probe : probes) {
-        EXPECT_EQ(PixelOf(window, probe.h, probe.v), probe.colour) << probe.what;
-    }
-}
-
 TEST_F(DialogsTest, FramesHaveTheirLines)
 {
     MakeDialog(0);
     ShowDialog();
-    ExpectProbes(dialog, {{100, 0, Grey(0xBB), "top, inset 0"},
-                          {0, 60, Grey(0xBB), "left, inset 0"},
-                          {100, 1, Grey(0x77), "top, inset 1"},
-                          {100, 2, olive, "top, inset 2"},
-                          {100, 3, Grey(0x11), "top, inset 3"},
-                          {3, 60, Grey(0x11), "left, inset 3"},
-                          {100, 119, Grey(0x11), "bottom, inset 1"},
-                          {199, 60, Grey(0x11), "right, inset 1"},
-                          {100, 118, Grey(0x77), "bottom, inset 2"},
-                          {100, 117, olive, "bottom, inset 3"},
-                          {100, 116, Grey(0xBB), "bottom, inset 4"},
-                          {196, 60, Grey(0xBB), "right, inset 4"},
-                          {100, 60, olive, "face"}});
-    DisposeMockDialog(dialog);
+    EXPECT_EQ(Scan(dialog, {100, 0}, {100, 5}), "B7o1oo") << "from the top";
+    EXPECT_EQ(Scan(dialog, {0, 60}, {5, 60}), "B7o1oo") << "from the left";
+    EXPECT_EQ(Scan(dialog, {100, 115}, {100, 119}), "oBo71") << "to the bottom";
+    EXPECT_EQ(Scan(dialog, {195, 60}, {199, 60}), "oBo71") << "to the right";
     MakeDialog(1);
     ShowDialog();
-    ExpectProbes(dialog, {{100, 0, Grey(0xBB), "top, inset 0"},
-                          {100, 1, Grey(0x77), "top, inset 1"},
-                          {100, 18, Grey(0x33), "line under the title strip"},
-                          {3, 60, Grey(0x33), "left, inset 3"},
-                          {3, 10, olive, "no line beside the title strip"},
-                          {196, 10, olive, "nor at its right"},
-                          {196, 19, Grey(0xAA), "right, inset 4, from 19 down"},
-                          {100, 116, Grey(0xAA), "bottom, inset 4"},
-                          {198, 60, Grey(0x33), "right, inset 2"},
-                          {199, 60, Grey(0x11), "right, inset 1"}});
+    EXPECT_EQ(Scan(dialog, {100, 0}, {100, 19}), "B7" + std::string(16, 'o') + "3o")
+        << "a line under the title strip";
+    EXPECT_EQ(Scan(dialog, {0, 60}, {5, 60}), "B7o3oo");
+    EXPECT_EQ(Scan(dialog, {100, 115}, {100, 119}), "oAo31");
+    EXPECT_EQ(Scan(dialog, {195, 60}, {199, 60}), "oAo31");
+    EXPECT_EQ(Scan(dialog, {3, 10}, {196, 10}), std::string(194, 'o')) << "no line beside the strip";
 }
 
 TEST_F(DialogsTest, ButtonsAndTheDefaultFrameHaveTheirEdges)
 {
     MakeDialog();
-    dialog->defaultItem = AddPushButton(dialog, 100, 80, 150, 100, "", 1);
-    AddPushButton(dialog, 20, 80, 70, 100, "", 2);
+    dialog->defaultItem = AddItem(dialog, {pushButtonItem, MakeRect(100, 80, 150, 100), "", 1});
+    AddItem(dialog, {pushButtonItem, MakeRect(20, 80, 70, 100), "", 2});
     ShowDialog();
     for (int left : {100, 20}) {
-        ExpectProbes(dialog, {{left, 90, Grey(0x11), "frame"},
-                              {left + 49, 90, Grey(0x11), "frame, right"},
-                              {left + 1, 90, Grey(0xEE), "left edge 1"},
-                              {left + 2, 90, Grey(0xEE), "left edge 2"},
-                              {left + 25, 81, Grey(0xEE), "top edge 1"},
-                              {left + 25, 82, Grey(0xEE), "top edge 2"},
-                              {left + 48, 81, Grey(0x99), "top-right end 1"},
-                              {left + 47, 82, Grey(0x99), "top-right end 2"},
-                              {left + 1, 98, Grey(0x99), "bottom-left end 1"},
-                              {left + 2, 97, Grey(0x99), "bottom-left end 2"},
-                              {left + 48, 90, Grey(0x55), "right edge"},
-                              {left + 47, 90, Grey(0x55), "right edge, inner"},
-                              {left + 25, 98, Grey(0x55), "bottom edge"},
-                              {left + 25, 97, Grey(0x55), "bottom edge, inner"},
-                              {left + 3, 83, RGB(192, 192, 192), "face"},
-                              {left + 46, 96, RGB(192, 192, 192), "face, last pixel"}});
+        EXPECT_EQ(Scan(dialog, {left, 90}, {left + 49, 90}), "1EE" + std::string(44, 'c') + "551");
+        EXPECT_EQ(Scan(dialog, {left + 25, 80}, {left + 25, 99}), "1EE" + std::string(14, 'c') + "551");
+        EXPECT_EQ(Scan(dialog, {left + 46, 81}, {left + 49, 81}), "EE91") << "the ends of the edges";
+        EXPECT_EQ(Scan(dialog, {left + 46, 82}, {left + 49, 82}), "E951");
+        EXPECT_EQ(Scan(dialog, {left, 97}, {left + 3, 97}), "1E95");
+        EXPECT_EQ(Scan(dialog, {left, 98}, {left + 3, 98}), "1955");
     }
     // The red frame is two pixels wide and lies right outside the button.
-    const Rect around = {76, 96, 104, 154};
-    EXPECT_EQ(CountPixels(dialog, around, red), 54 * 24 - 50 * 20);
-    ExpectProbes(dialog, {{98, 78, red, "corner"}, {151, 101, red, "far corner"}, {97, 90, olive, "outside"}});
+    EXPECT_EQ(CountPixels(dialog, {76, 96, 104, 154}, red), 54 * 24 - 50 * 20);
+    EXPECT_EQ(Scan(dialog, {97, 78}, {152, 78}), "o" + std::string(54, 'r') + "o");
 }
 
 TEST_F(DialogsTest, TitleItemsStandInTheStrip)
 {
     MakeDialog(1);
-    AddDialogItem(dialog, 0, nullptr, "", 0, 0, 1, 0, closeBoxItem, 0, 0, 0);
-    AddDialogItem(dialog, 0, nullptr, "", 0, 0, 1, 0, rightTitleBoxItem, 0, 0, 0);
-    DialogItem* bar = AddDialogItem(dialog, 0, nullptr, "", 0, 0, 1, 0, titleBarItem, 0, 0, 0);
+    AddTitleItems({closeBoxItem, rightTitleBoxItem, titleBarItem});
     ShowDialog();
-    const std::vector<Probe> boxes = {{8, 5, Grey(0xAA), "close box"},    {17, 14, Grey(0xAA), "its far corner"},
-                                      {7, 8, Grey(0x11), "its shadow"},   {12, 4, Grey(0x11), "shadow above"},
-                                      {12, 13, Grey(0x11), "its tick"},   {183, 5, Grey(0xAA), "right box"},
-                                      {192, 14, Grey(0xAA), "far corner"}};
-    ExpectProbes(dialog, boxes);
+    const std::string groove(178 - 21 + 1, 'A');
+    const auto row = [&](int v) { return Scan(dialog, {7, v}, {192, v}); };
+    EXPECT_EQ(row(4), std::string(11, '1') + std::string(164, 'o') + std::string(11, '1'));
     for (int v : {6, 9, 12}) {
-        const Rect groove = {static_cast<int16_t>(v), 19, static_cast<int16_t>(v + 1), 181};
-        EXPECT_EQ(CountPixels(dialog, groove, Grey(0xAA)), 178 - 21 + 1) << "the whole way without a text";
+        EXPECT_EQ(row(v), "1A" + row(v).substr(2, 12) + groove + row(v).substr(172))
+            << "the whole way without a text";
     }
-    CopyText("Kestrel", bar->text);
+    EXPECT_EQ(row(13).substr(0, 11), "1A" + std::string(8, '1') + "A");
+    EXPECT_EQ(row(14).substr(175), "1" + std::string(10, 'A'));
+    CopyText("Kestrel", FindItemByNumber(dialog, 3)->text);
     DrawMockDialog(dialog, false);
-    ExpectProbes(dialog, boxes);
-    const Rect strip = {2, 60, 18, 140};
-    EXPECT_GT(CountPixels(dialog, strip, dialogTextColour), 40) << "the title";
-    EXPECT_EQ(PixelOf(dialog, 100, 9) == Grey(0xAA), false) << "no groove through the title";
-    ExpectProbes(dialog, {{21, 9, Grey(0xAA), "groove, left"}, {178, 9, Grey(0xAA), "groove, right"}});
+    EXPECT_GT(CountPixels(dialog, {2, 60, 18, 140}, dialogTextColour), 40) << "the title";
+    EXPECT_EQ(row(9).substr(0, 20), "1A" + row(9).substr(2, 12) + groove.substr(0, 6));
+    EXPECT_EQ(row(9).substr(93 - 10, 20).find('A'), std::string::npos) << "no groove through the title";
 }
 
 TEST_F(DialogsTest, ACheckBoxShowsTheImageOfItsState)
@@ -286,7 +256,7 @@ TEST_F(DialogsTest, ACheckBoxShowsTheImageOfItsState)
 TEST_F(DialogsTest, DrawingLeavesThePortAsItWas)
 {
     MakeDialog(1);
-    AddDialogItem(dialog, 0, nullptr, "Title", 0, 0, 1, 0, titleBarItem, 0, 0, 0);
+    AddTitleItems({titleBarItem});
     AddEditField(10, "1", 105, true);
     AddOKButton(dialog, 100, 80, 150, 100);
     SetPort(dialog);
@@ -298,12 +268,9 @@ TEST_F(DialogsTest, DrawingLeavesThePortAsItWas)
     const COLORREF back = GetBkColor(dialog->dc);
     ShowDialog();
     EXPECT_EQ(currentPort, shell.mapWindow);
-    EXPECT_EQ(GetCurrentObject(dialog->dc, OBJ_PEN), pen);
-    EXPECT_EQ(GetCurrentObject(dialog->dc, OBJ_FONT), font);
-    EXPECT_EQ(GetBkColor(dialog->dc), back);
-    EXPECT_EQ(dialog->foreColour, PALETTERGB(1, 2, 3));
-    EXPECT_EQ(dialog->fontNumber, fontCourier);
-    EXPECT_EQ(dialog->fontSize, 14);
+    EXPECT_TRUE(GetCurrentObject(dialog->dc, OBJ_PEN) == pen && GetCurrentObject(dialog->dc, OBJ_FONT) == font);
+    EXPECT_TRUE(GetBkColor(dialog->dc) == back && dialog->foreColour == PALETTERGB(1, 2, 3));
+    EXPECT_TRUE(dialog->fontNumber == fontCourier && dialog->fontSize == 14);
 }
 
 // ---- edit fields ----
@@ -311,11 +278,12 @@ TEST_F(DialogsTest, DrawingLeavesThePortAsItWas)
 TEST_F(DialogsTest, KeysEditTheActiveField)
 {
     constexpr char back = backspaceKey;
+    const std::string full(63, 'k');
     const struct {
-        const char* start;
+        std::string start;
         bool digitsOnly;
         std::string keys;
-        const char* result;
+        std::string result;
     } cases[] = {
         {"100", true, "7x5", "75"},
         {"100", true, "x", "100"},
@@ -324,36 +292,20 @@ TEST_F(DialogsTest, KeysEditTheActiveField)
         {"100", true, {'1', back, back}, ""},
         {"100", true, {'4', back, '5'}, "5"},
         {"old", false, "New1", "New1"},
-        {"old", false, std::string(70, 'k'), "kkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkkk"},
+        {"old", false, std::string(70, 'k'), full},
+        {full, false, {'\n', back, 'x'}, full}, // it takes no key at all, nor does Return end the editing
     };
     for (const auto& test : cases) {
         MakeDialog();
-        DialogItem* field = AddEditField(10, test.start, 105, test.digitsOnly);
+        DialogItem* field = AddEditField(10, test.start.c_str(), 105, test.digitsOnly);
         ShowDialog();
         EXPECT_EQ(ReportOfPress(CentreOf(field->rect), CentreOf(field->rect)), Report(0, 0));
         for (char key : test.keys) {
-            const char typed[] = {key, 0};
-            ScriptText(typed);
+            ScriptText(std::string(1, key).c_str());
             EXPECT_EQ(NextReport(), Report(1, 105));
         }
-        EXPECT_STREQ(field->text, test.result) << test.start << " and " << test.keys;
-        DisposeMockDialog(dialog);
-        dialog = nullptr;
+        EXPECT_EQ(field->text, test.result) << test.start << " and " << test.keys;
     }
-}
-
-TEST_F(DialogsTest, AFullFieldTakesNoKeyAtAll)
-{
-    MakeDialog();
-    DialogItem* field = AddEditField(10, std::string(63, '1').c_str(), 105, true);
-    ShowDialog();
-    ActivateEditItem(dialog, field);
-    for (int key : {VK_RETURN, VK_BACK, int{'2'}}) {
-        ScriptKey(key);
-        NextReport();
-    }
-    EXPECT_EQ(strlen(field->text), 63u);
-    EXPECT_EQ(dialog->activeEditItem, field);
 }
 
 TEST_F(DialogsTest, AFieldThatTheProgramSelectsKeepsTheTypedCountOfTheOneBefore)
@@ -380,34 +332,16 @@ TEST_F(DialogsTest, TheActiveFieldIsRedAndTheOthersTan)
     DialogItem* first = AddEditField(10, "1", 105, true);
     DialogItem* second = AddEditField(100, "2", 106, true);
     ShowDialog();
-    const auto face = [&](const DialogItem* item) {
-        return PixelOf(dialog, item->rect.left + 3, item->rect.top + 3);
-    };
-    EXPECT_EQ(face(first), tan);
+    const auto faces = [&] { return Scan(dialog, {13, 33}, {13, 33}) + Scan(dialog, {103, 33}, {103, 33}); };
+    EXPECT_EQ(faces(), "tt");
     ReportOfPress(CentreOf(first->rect), CentreOf(first->rect));
-    EXPECT_EQ(face(first), red);
+    EXPECT_EQ(faces(), "rt");
     ReportOfPress(CentreOf(second->rect), CentreOf(second->rect));
-    EXPECT_EQ(face(first), tan);
-    EXPECT_EQ(face(second), red);
+    EXPECT_EQ(faces(), "tr");
     EXPECT_GT(CountPixels(dialog, second->rect, RGB(255, 255, 255)), 0) << "white while active";
     SelectEditItem(dialog, 105, 0);
     NextReport();
-    EXPECT_EQ(face(first), red);
-    EXPECT_EQ(face(second), tan);
-}
-
-TEST_F(DialogsTest, TheFirstReturnEndsEditingAndTheSecondChoosesTheDefaultItem)
-{
-    MakeDialog();
-    dialog->defaultItem = AddOKButton(dialog, 140, 90, 190, 110);
-    DialogItem* field = AddEditField(10, "1", 105, true);
-    ShowDialog();
-    ActivateEditItem(dialog, field);
-    ScriptKey(VK_RETURN);
-    EXPECT_EQ(NextReport(), Report(2, 105));
-    EXPECT_EQ(dialog->activeEditItem, nullptr);
-    ScriptKey(VK_RETURN);
-    EXPECT_EQ(NextReport(), Report(1, okItemID));
+    EXPECT_EQ(faces(), "rt");
 }
 
 // ---- the modal step ----
@@ -426,28 +360,31 @@ TEST_F(DialogsTest, KeysWithoutAnActiveFieldAreReported)
         ScriptKey(key);
         EXPECT_EQ(NextReport(), report) << "key " << key;
     }
-    DisposeMockDialog(dialog);
+    DialogItem* field = AddEditField(10, "1", 105, true);
+    dialog->defaultItem = dialog->firstItem;
+    ActivateEditItem(dialog, field);
+    ScriptKey(VK_RETURN);
+    EXPECT_EQ(NextReport(), Report(2, 105)) << "the first Return ends the editing";
+    ScriptKey(VK_RETURN);
+    EXPECT_EQ(NextReport(), Report(1, okItemID)) << "and the second chooses the default item";
     for (int kind : {closeBoxItem, rightTitleBoxItem}) {
         MakeDialog(1);
-        AddDialogItem(dialog, 0, nullptr, "", 0, 0, 1, 0, kind, 0, 0, 0);
+        AddTitleItems({kind});
         ShowDialog();
         ScriptKey(VK_ESCAPE);
         EXPECT_EQ(NextReport(), Report(1, 1));
-        DisposeMockDialog(dialog);
-        dialog = nullptr;
     }
 }
 
 TEST_F(DialogsTest, ClicksAreReportedByWhatTheyHit)
 {
     MakeDialog(1);
-    AddDialogItem(dialog, 0, nullptr, "", 0, 0, 1, 0, closeBoxItem, 0, 0, 0);
-    AddDialogItem(dialog, 0, nullptr, "", 0, 0, 1, 0, titleBarItem, 0, 0, 0);
-    AddPushButton(dialog, 100, 80, 150, 100, "Go", 77);
-    DialogItem* plain = AddPushButton(dialog, 20, 80, 70, 100, "Once", 78);
+    AddTitleItems({closeBoxItem, titleBarItem});
+    AddItem(dialog, {pushButtonItem, MakeRect(100, 80, 150, 100), "Go", 77});
+    DialogItem* plain = AddItem(dialog, {pushButtonItem, MakeRect(20, 80, 70, 100), "Once", 78});
     plain->tracksMouse = 0;
     AddCheckBox(60, 201, 0);
-    AddStaticText(dialog, 20, 25, 150, 40, "text");
+    AddItem(dialog, {staticTextItem, MakeRect(20, 25, 150, 40), "text"});
     ShowDialog();
     const struct {
         const char* what;
@@ -475,17 +412,13 @@ TEST_F(DialogsTest, ClicksAreReportedByWhatTheyHit)
 TEST_F(DialogsTest, APressedButtonLooksPressedUntilTheNextPaint)
 {
     MakeDialog();
-    DialogItem* button = AddPushButton(dialog, 100, 80, 150, 100, "", 1);
+    DialogItem* button = AddItem(dialog, {pushButtonItem, MakeRect(100, 80, 150, 100), "", 1});
     ShowDialog();
     PressItem(button);
-    ExpectProbes(dialog, {{99, 90, 0, "black outside"},
-                          {100, 90, Grey(0x11), "frame"},
-                          {101, 90, Grey(0x11), "inner frame"},
-                          {125, 83, Grey(0xBB), "face, one pixel down"},
-                          {125, 98, Grey(0xBB), "face, last row"}});
+    EXPECT_EQ(Scan(dialog, {98, 90}, {150, 90}), "o011" + std::string(46, 'B') + "110");
+    EXPECT_EQ(Scan(dialog, {125, 79}, {125, 100}), "0111" + std::string(16, 'B') + "10") << "one pixel down";
     EXPECT_EQ(NextReport(), Report(0, 0));
-    ExpectProbes(dialog,
-                 {{99, 90, olive, "outside"}, {101, 90, Grey(0xEE), "edge"}, {125, 90, RGB(192, 192, 192), "face"}});
+    EXPECT_EQ(Scan(dialog, {98, 90}, {150, 90}), "oo1EE" + std::string(44, 'c') + "551o");
 }
 
 TEST_F(DialogsTest, UpdatesOfTheMapWindowAreTheCallers)
@@ -501,7 +434,8 @@ TEST_F(DialogsTest, UpdatesOfTheMapWindowAreTheCallers)
     EXPECT_EQ(Report(itemHit, itemID), Report(mapUpdateCode, mapUpdateCode));
     InvalidateMapRect(nullptr);
     EXPECT_TRUE(RunDialogStep(dialog, &itemHit, &itemID));
-    EXPECT_FALSE(GetUpdateRect(shell.mapWindow->window, nullptr, FALSE)) << "painted";
+    MSG request;
+    EXPECT_FALSE(PeekMessageA(&request, nullptr, WM_PAINT, WM_PAINT, PM_NOREMOVE)) << "painted";
     ScriptWheel(120);
     EXPECT_EQ(NextReport(), Report(wheelUpCode, wheelUpCode));
     ScriptWheel(-120);
@@ -516,13 +450,10 @@ TEST_F(DialogsTest, AMessageStaysUntilOKAndIsOfItsDefaultSize)
     ScriptText("x");
     ScriptCall([] {
         ASSERT_NE(TopDialog(), nullptr);
-        EXPECT_EQ(TopDialog()->portRect.right, 240);
-        EXPECT_EQ(TopDialog()->portRect.bottom, 138);
+        EXPECT_TRUE(TopDialog()->portRect.right == 240 && TopDialog()->portRect.bottom == 138);
         EXPECT_EQ(TextsOf(TopDialog()), "Map ID number error. Limits are 100 through 999.");
         EXPECT_NE(GetMenuState(GetMenu(shell.mapWindow->window), 0, MF_BYPOSITION) & MF_GRAYED, 0u);
-        const DialogItem* button = TopDialog()->defaultItem;
-        EXPECT_EQ(button->rect.left, 180);
-        EXPECT_EQ(button->rect.bottom, 128);
+        EXPECT_TRUE(TopDialog()->defaultItem->rect.left == 180 && TopDialog()->defaultItem->rect.bottom == 128);
     });
     ScriptButton("OK");
     MessageAlert(0, 0, alertSound, 15000, 123, nullptr);
@@ -532,31 +463,25 @@ TEST_F(DialogsTest, AMessageStaysUntilOKAndIsOfItsDefaultSize)
 
 TEST_F(DialogsTest, ALongTextMakesItsAlertGrow)
 {
-    const std::string text = [] {
-        std::string words;
-        while (words.size() < 245) {
-            words += "WWWWWWWW ";
-        }
-        return words;
-    }();
+    std::string text;
+    while (text.size() < 245) {
+        text += "WWWWWWWW ";
+    }
     const auto check = [] {
-        const WindowPtr alert = TopDialog();
-        ASSERT_NE(alert, nullptr);
-        const DialogItem* message = alert->firstItem;
+        const DialogItem* button = TopDialog()->firstItem;
+        const DialogItem* message = button;
         while (message->kind != staticTextItem) {
             message = message->next;
         }
-        SetPort(alert);
+        SetPort(TopDialog());
         SetPortFont(fontArial, 10, styleBold);
-        const int needed = TextBoxHeight(message->text, message->rect.right - message->rect.left);
-        EXPECT_GE(message->rect.bottom - message->rect.top, needed);
-        EXPECT_GT(needed, 60);
-        EXPECT_GE(alert->firstItem->rect.top, message->rect.bottom) << "the buttons stand below";
-        EXPECT_LE(alert->firstItem->rect.bottom + 4, alert->portRect.bottom);
-        // The last line shows.
-        const Rect lastLine = {static_cast<int16_t>(message->rect.top + needed - 13), message->rect.left,
-                               static_cast<int16_t>(message->rect.top + needed), message->rect.right};
-        EXPECT_GT(CountPixels(alert, lastLine, dialogTextColour), 5);
+        const int bottom = message->rect.top + TextBoxHeight(message->text, message->rect.right - message->rect.left);
+        EXPECT_GT(bottom, 70);
+        EXPECT_TRUE(bottom <= message->rect.bottom && message->rect.bottom <= button->rect.top);
+        EXPECT_LE(button->rect.bottom + 4, TopDialog()->portRect.bottom);
+        Rect lastLine = message->rect;
+        lastLine.top = static_cast<int16_t>(bottom - 13);
+        EXPECT_GT(CountPixels(TopDialog(), lastLine, dialogTextColour), 5) << "the last line shows";
         ScriptKey(VK_RETURN);
     };
     ScriptCall(check);
@@ -591,14 +516,10 @@ TEST_F(DialogsTest, QuestionsAreAnsweredByTheirButtonsOnly)
     ScriptButton("Continue");
     MemoryAlert();
     EXPECT_EQ(shell.quitRequested, 0u);
-}
 
-TEST_F(DialogsTest, AnAlertUnderAQuitIsDeclined)
-{
+    // The end of the program declines.
     ScriptCall([] { RequestQuit(); });
     EXPECT_EQ(YesNoAlert(0, 0, 4000, 17, nullptr), 0);
-    shell.quitRequested = 0;
-    ScriptCall([] { RequestQuit(); });
     MessageAlert(0, 0, 0, 0, 0, "x");
     EXPECT_EQ(TopDialog(), nullptr);
 }

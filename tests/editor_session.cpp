@@ -6,137 +6,72 @@
 #include "toolbox/resources.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
+#include <utility>
 
 namespace {
 
 constexpr int settleTime = 60;
 
-void Put16(std::string* bytes, int value)
+ScriptPoint OnScreen(WindowPtr window, Point point)
 {
-    bytes->push_back(static_cast<char>(value & 0xFF));
-    bytes->push_back(static_cast<char>(value >> 8 & 0xFF));
+    WindowPtr savedPort = nullptr;
+    GetPort(&savedPort);
+    SetPort(window);
+    LocalToGlobal(&point);
+    SetPort(savedPort);
+    return {point.h, point.v};
 }
 
-void Put32(std::string* bytes, int value)
+void StartHost()
 {
-    Put16(bytes, value & 0xFFFF);
-    Put16(bytes, value >> 16 & 0xFFFF);
+    HeadlessReset();
+    host = &headlessHost;
+    host->start();
 }
 
-std::string MakeArt(int width, int height)
+void StopHost()
 {
-    const int stride = (width * 3 + 3) / 4 * 4;
-    std::string bytes = "BM";
-    Put32(&bytes, 54 + stride * height);
-    Put32(&bytes, 0);
-    Put32(&bytes, 54);
-    Put32(&bytes, 40);
-    Put32(&bytes, width);
-    Put32(&bytes, height);
-    Put16(&bytes, 1);
-    Put16(&bytes, 24);
-    Put32(&bytes, 0);
-    Put32(&bytes, stride * height);
-    bytes.append(16, '\0');
-    bytes.reserve(static_cast<size_t>(54 + stride * height));
-    for (int v = height - 1; v >= 0; v--) {
-        for (int h = 0; h < width; h++) {
-            const uint32_t colour = ArtColour(h, v);
-            bytes.push_back(static_cast<char>(colour & 0xFF));
-            bytes.push_back(static_cast<char>(colour >> 8 & 0xFF));
-            bytes.push_back(static_cast<char>(colour >> 16 & 0xFF));
-        }
-        bytes.append(static_cast<size_t>(stride - width * 3), '\0');
-    }
-    return bytes;
+    PlatformReset();
+    SetPort(nullptr);
+    host->stop();
 }
 
 } // namespace
 
-// ---- files ----
+// ---- the program ----
 
-MapFile::MapFile(int id, int width, int height) : words{}
+void StartedProgram::SetUp()
 {
-    words[idWord] = static_cast<int16_t>(id);
-    words[columnsWord] = static_cast<int16_t>(CellCountOf(width));
-    words[rowsWord] = static_cast<int16_t>(CellCountOf(height));
-    words[rightWord] = static_cast<int16_t>(width);
-    words[bottomWord] = static_cast<int16_t>(height);
-    words[markerFieldWord] = 1;
-    words[versionWord] = 100;
-    cells.resize(static_cast<size_t>(words[columnsWord]) * static_cast<size_t>(words[rowsWord]));
+    StartHost();
+    shell = {};
+    shell.appInstance = GetModuleHandleA(nullptr);
+    view = {};
+    editing = {};
+    currentMap = {};
+    ASSERT_EQ(RegisterWindowClasses(), 1);
+    InitApplication();
+    ASSERT_EQ(shell.quitRequested, 0u);
 }
 
-uint16_t& MapFile::Cell(int x, int y)
+void StartedProgram::TearDown()
 {
-    return cells.at(static_cast<size_t>(y * words[columnsWord] + x));
+    host->pump(2 * scriptDelay); // the release of the last key or button
+    EXPECT_EQ(HeadlessStepsLeft(), 0) << "steps that no loop took";
+    CloseFile(currentMap.openDataFile);
+    ShutdownApplication();
+    StopHost();
 }
 
-std::string MapFile::Bytes() const
+void EditorSession::SetUp()
 {
-    std::string bytes;
-    for (const int word : words) {
-        Put16(&bytes, word);
-    }
-    bytes += text + '\0';
-    for (const int cell : cells) {
-        Put16(&bytes, cell);
-    }
-    return bytes;
+    StartHost();
 }
 
-std::string ArtBytes(int width, int height)
+void EditorSession::TearDown()
 {
-    static std::map<std::pair<int, int>, std::string> made;
-    std::string& art = made[{width, height}];
-    if (art.empty()) {
-        art = MakeArt(width, height);
-    }
-    return art;
-}
-
-uint32_t ArtColour(int h, int v)
-{
-    const int blue = (h >> 8) << 4 | v >> 8;
-    return static_cast<uint32_t>((h & 255) << 16 | (v & 255) << 8 | blue);
-}
-
-std::string EditorSession::Path(const std::string& name) const
-{
-    return folder + "/" + name;
-}
-
-void EditorSession::Write(const std::string& name, const std::string& bytes) const
-{
-    std::ofstream file(Path(name), std::ios::binary);
-    file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    ASSERT_TRUE(file.good()) << name;
-}
-
-std::string EditorSession::Read(const std::string& name) const
-{
-    std::ifstream file(Path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-bool EditorSession::Exists(const std::string& name) const
-{
-    return std::filesystem::exists(Path(name));
-}
-
-std::vector<std::string> EditorSession::Files() const
-{
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        names.push_back(entry.path().filename());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
+    systemCalls = RealSystemCalls();
+    StopHost();
 }
 
 void EditorSession::WriteMap(const MapFile& map) const
@@ -144,31 +79,6 @@ void EditorSession::WriteMap(const MapFile& map) const
     const std::string name = "Map" + std::to_string(map.words[idWord]) + "c.";
     Write(name + "dat", map.Bytes());
     Write(name + "bmp", ArtBytes(map.words[rightWord], map.words[bottomWord]));
-}
-
-// ---- session ----
-
-void EditorSession::SetUp()
-{
-    startFolder = std::filesystem::current_path();
-    std::string pattern = std::filesystem::temp_directory_path() / "kestrel-session-XXXXXX";
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    folder = pattern;
-    std::filesystem::current_path(folder);
-    HeadlessReset();
-    host = &headlessHost;
-    host->start();
-}
-
-void EditorSession::TearDown()
-{
-    systemCalls = RealSystemCalls();
-    std::filesystem::current_path(startFolder);
-    std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
-    std::filesystem::remove_all(folder);
-    PlatformReset();
-    SetPort(nullptr);
-    host->stop();
 }
 
 void EditorSession::OpenMap(const std::string& name)
@@ -188,15 +98,59 @@ void EditorSession::OpenWith(const std::function<void(MapFile*)>& fill, int widt
     OpenMap();
 }
 
-void EditorSession::Run(int status)
+void EditorSession::Run()
 {
     const int blocks = GlobalBlocksInUse();
     char noArguments[] = "";
-    EXPECT_EQ(WinMain(GetModuleHandleA(nullptr), nullptr, noArguments, SW_SHOWNORMAL), status);
+    EXPECT_EQ(WinMain(GetModuleHandleA(nullptr), nullptr, noArguments, SW_SHOWNORMAL), 0);
     EXPECT_EQ(HeadlessStepsLeft(), 0) << "steps that no loop took: the program ended too early";
+    EXPECT_EQ(headless.impatience, 0) << "the program did not end by the steps of the script";
     EXPECT_EQ(GlobalBlocksInUse(), blocks) << "blocks that were never freed";
     EXPECT_TRUE(headless.windows.empty());
     PlatformReset();
+}
+
+void EditorSession::QuitAndRun()
+{
+    ThenCheck([] {
+        if (shell.featuresPaletteOpen || shell.moveCostPaletteOpen) {
+            ClosePalette();
+        }
+    });
+    Quit();
+    Run();
+}
+
+void EditorSession::KeepScreen()
+{
+    ThenCheck([this] { keptScreen = Screen(); });
+}
+
+void EditorSession::ExpectKeptScreen(const char* when)
+{
+    ThenCheck([=, this] { EXPECT_EQ(Difference(keptScreen, Screen()), "") << when; });
+}
+
+std::string ArtBytes(int width, int height)
+{
+    static std::map<std::pair<int, int>, std::string> made;
+    std::string& art = made[{width, height}];
+    if (art.empty()) {
+        art = BitmapHead(width, height, 24);
+        for (int v = height - 1; v >= 0; v--) {
+            for (int h = 0; h < width; h++) {
+                Put(&art, ArtColour(h, v), 3);
+            }
+            art.append(static_cast<size_t>(width % 4), '\0');
+        }
+    }
+    return art;
+}
+
+uint32_t ArtColour(int h, int v)
+{
+    const int blue = (h >> 8) << 4 | v >> 8;
+    return static_cast<uint32_t>((h & 255) << 16 | (v & 255) << 8 | blue);
 }
 
 // ---- steps ----
@@ -206,10 +160,37 @@ void ThenCheck(std::function<void()> check)
     ScriptCall(std::move(check), settleTime);
 }
 
+void ScriptPressAndRelease(WindowPtr window, Point pressed, Point released)
+{
+    ScriptDrag({OnScreen(window, pressed), OnScreen(window, released)});
+}
+
+void ScriptButton(const std::string& text)
+{
+    ScriptCall([text] {
+        const DialogItem* item = TopDialog() != nullptr ? TopDialog()->firstItem : nullptr;
+        while (item != nullptr && !(item->kind == pushButtonItem && text == item->text)) {
+            item = item->next;
+        }
+        ASSERT_NE(item, nullptr) << "no button " << text;
+        ScriptPressAndRelease(TopDialog(), CentreOf(item->rect), CentreOf(item->rect));
+    });
+}
+
 void ClickButton(const std::string& text)
 {
     ScriptWait(settleTime);
     ScriptButton(text);
+}
+
+void ClickItem(int itemID)
+{
+    ThenCheck([=] {
+        const DialogItem* item = FindItemByID(TopDialog(), itemID);
+        ASSERT_NE(item, nullptr) << "no item " << itemID;
+        ScriptPressAndRelease(TopDialog(), CentreOf(item->rect), CentreOf(item->rect));
+    });
+    ScriptWait(settleTime);
 }
 
 void ExpectMessage(const std::string& text, const std::string& button)
@@ -238,13 +219,11 @@ void DragOnMap(const std::vector<MapPoint>& points, int delay)
 {
     // The view may scroll before the steps are played, so the places are worked out then.
     ScriptCall([=] {
-        for (size_t i = 0; i < points.size(); i++) {
-            const ScriptPoint place = OnScreenOfMap(points[i].h, points[i].v);
-            if (i == 0) {
-                ScriptPress(place.x, place.y, hostLeftButton, delay);
-            } else {
-                ScriptMove(place.x, place.y, delay);
-            }
+        const ScriptPoint start = OnScreenOfMap(points[0].h, points[0].v);
+        ScriptPress(start.x, start.y, hostLeftButton, delay);
+        for (const MapPoint& point : points) {
+            const ScriptPoint place = OnScreenOfMap(point.h, point.v);
+            ScriptMove(place.x, place.y, delay);
         }
         ScriptRelease(delay);
     });
@@ -264,7 +243,7 @@ void AltDragOnMap(const std::vector<MapPoint>& points)
     ScriptWait(settleTime);
 }
 
-void OpenPalette(char key, int left, int top)
+void OpenPalette(char key, int tool, int left, int top)
 {
     ScriptControl(key);
     ThenCheck([=] {
@@ -274,32 +253,9 @@ void OpenPalette(char key, int left, int top)
         ScriptDrag({grip, {grip.x + 10, grip.y + 5}, {left + 150, top + 8}});
     });
     ScriptWait(settleTime);
-}
-
-void OpenFeatures(int tool)
-{
-    OpenPalette('t');
     if (tool != 0) {
         ClickItem(tool);
     }
-}
-
-void OpenMoveCosts(int tool)
-{
-    OpenPalette('m');
-    if (tool != 0) {
-        ClickItem(tool);
-    }
-}
-
-void ClickItem(int itemID)
-{
-    ThenCheck([=] {
-        const DialogItem* item = TopDialog() != nullptr ? FindItemByID(TopDialog(), itemID) : nullptr;
-        ASSERT_NE(item, nullptr) << "no item " << itemID;
-        ScriptPressAndRelease(TopDialog(), CentreOf(item->rect), CentreOf(item->rect));
-    });
-    ScriptWait(settleTime);
 }
 
 void ClosePalette()
@@ -309,6 +265,46 @@ void ClosePalette()
 }
 
 // ---- what is to be seen ----
+
+WindowPtr TopDialog()
+{
+    const HWND top = GetTopWindow(nullptr);
+    const WindowPtr record = top != nullptr ? WindowRecord(top) : nullptr;
+    return record != shell.mapWindow ? record : nullptr;
+}
+
+std::string TextsOf(WindowPtr dialog)
+{
+    std::string texts;
+    const DialogItem* item = dialog != nullptr ? dialog->firstItem : nullptr;
+    for (; item != nullptr; item = item->next) {
+        if (item->kind == staticTextItem) {
+            texts += (texts.empty() ? "" : "\n") + std::string(item->text);
+        }
+    }
+    return texts;
+}
+
+COLORREF PixelOf(WindowPtr window, int h, int v)
+{
+    return GetPixel(window->dc, h, v);
+}
+
+int CountPixels(WindowPtr window, const Rect& rect, COLORREF colour)
+{
+    int count = 0;
+    for (int v = rect.top; v < rect.bottom; v++) {
+        for (int h = rect.left; h < rect.right; h++) {
+            count += PixelOf(window, h, v) == (colour & 0xFFFFFF) ? 1 : 0;
+        }
+    }
+    return count;
+}
+
+Point CentreOf(const Rect& rect)
+{
+    return {static_cast<int16_t>((rect.top + rect.bottom) / 2), static_cast<int16_t>((rect.left + rect.right) / 2)};
+}
 
 std::string MessageText(int id)
 {
@@ -320,6 +316,14 @@ std::string MessageText(int id)
 std::string Title()
 {
     return HeadlessFrame() != nullptr ? HeadlessFrame()->title : "";
+}
+
+MapPoint SizeOf(const HeadlessWindow* window)
+{
+    if (window == nullptr) {
+        return {0, 0};
+    }
+    return {window->client.right - window->client.left, window->client.bottom - window->client.top};
 }
 
 ScriptPoint OnScreenOfMap(int h, int v)
@@ -337,7 +341,6 @@ uint32_t SeenAt(int h, int v)
 std::vector<uint32_t> Screen()
 {
     std::vector<uint32_t> pixels;
-    pixels.reserve(static_cast<size_t>(headless.screenWidth) * static_cast<size_t>(headless.screenHeight));
     for (int y = 0; y < headless.screenHeight; y++) {
         for (int x = 0; x < headless.screenWidth; x++) {
             pixels.push_back(HeadlessPixel(x, y));
@@ -350,17 +353,14 @@ void ExpectView(const std::function<uint32_t(int, int)>& colour, const char* whe
 {
     constexpr int growBoxOverlap = 2; // its picture reaches that far into the view's corner
     const Rect shown = view.viewRect;
-    const ScriptPoint origin = HeadlessClientOrigin();
     int wrong = 0;
-    std::string first;
+    char first[80] = "";
     for (int v = shown.top; v < shown.bottom; v++) {
         const int right = v < shown.bottom - growBoxOverlap ? shown.right : shown.right - growBoxOverlap;
         for (int h = shown.left; h < right; h++) {
-            const uint32_t seen = HeadlessPixel(origin.x + h - shown.left, origin.y + v - shown.top);
+            const uint32_t seen = SeenAt(h, v);
             if (seen != colour(h, v) && wrong++ == 0) {
-                char text[80];
-                std::snprintf(text, sizeof text, "%d,%d is %06X and not %06X", h, v, seen, colour(h, v));
-                first = text;
+                std::snprintf(first, sizeof first, "%d,%d is %06X and not %06X", h, v, seen, colour(h, v));
             }
         }
     }
@@ -377,13 +377,11 @@ std::string Difference(const std::vector<uint32_t>& first, const std::vector<uin
     if (first.size() != second.size()) {
         return "different sizes";
     }
-    const auto place = std::mismatch(first.begin(), first.end(), second.begin()).first;
-    if (place == first.end()) {
-        return "";
-    }
-    const int index = static_cast<int>(place - first.begin());
-    return "screen " + std::to_string(index % headless.screenWidth) + "," +
-           std::to_string(index / headless.screenWidth);
+    const auto place = std::mismatch(first.begin(), first.end(), second.begin()).first - first.begin();
+    const int index = static_cast<int>(place);
+    return first == second ? ""
+                           : "screen " + std::to_string(index % headless.screenWidth) + "," +
+                                 std::to_string(index / headless.screenWidth);
 }
 
 uint16_t CellWord(int x, int y)
@@ -405,11 +403,6 @@ std::string MarkedCells()
         }
     }
     return text;
-}
-
-int ItemState(int itemID)
-{
-    return TopDialog() != nullptr ? GetItemState(TopDialog(), itemID, 0) : -1;
 }
 
 bool IsCommandEnabled(int command)

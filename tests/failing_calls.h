@@ -20,6 +20,11 @@ enum CallKind {
     linkCall,
     renameCall,
     renameNoReplaceCall,
+    makeFolderCall,
+    openFolderCall,
+    readFolderCall,
+    closeFolderCall,
+    lockCall,
 };
 
 struct JudgedCall {
@@ -42,5 +47,6 @@ bool EndsWith(const std::string& text, const std::string& ending);
 int OpenDescriptors(); // of the process
 
 // Lets from the given call on fail: that one alone, all of its kind, or all.
+CallJudge Refuse(CallKind kind, int error, int after = 0); // those of a kind, but for the first few
 enum FaultSpan { failOnce, failKind, failAll };
 CallJudge FailFrom(int number, int error, FaultSpan span);

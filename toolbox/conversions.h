@@ -15,13 +15,12 @@ inline POINT PlatformPoint(Point point)
 
 inline Point PointFrom(const POINT& point)
 {
-    return {static_cast<int16_t>(point.y), static_cast<int16_t>(point.x)};
+    return MakePoint(point.x, point.y);
 }
 
 inline Rect RectFrom(const RECT& rect)
 {
-    return {static_cast<int16_t>(rect.top), static_cast<int16_t>(rect.left), static_cast<int16_t>(rect.bottom),
-            static_cast<int16_t>(rect.right)};
+    return MakeRect(rect.left, rect.top, rect.right, rect.bottom);
 }
 
 // The position that a mouse message carries: two signed 16-bit halves, in client coordinates of its window.

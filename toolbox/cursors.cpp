@@ -1,13 +1,17 @@
 #include "toolbox/resources.h"
 #include "toolbox/shell_door.h"
 
-static bool IsOwnCursor(int id)
+namespace {
+
+bool IsOwnCursor(int id)
 {
     constexpr int firstOwnCursor = 11775;
     constexpr int lastOwnCursor = 11778;
     constexpr int framedBoxCursor = 16403;
     return (id >= firstOwnCursor && id <= lastOwnCursor) || id == framedBoxCursor;
 }
+
+} // namespace
 
 void SetCursorById(int id)
 {

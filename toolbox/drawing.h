@@ -55,6 +55,34 @@ void GetMouse(Point* point);
 // contentRect and portRect. The shift persists. Without a port it moves the foreground window's. Cannot fail.
 void SetOrigin(int h, int v);
 
+// ---- a port used for a while ----
+
+struct SavedPort {
+    WindowPtr previous;
+};
+// Makes the port current; RestorePort makes the one current that was. Nothing else is kept: for fills, copies,
+// invalidation and conversions.
+[[nodiscard]] SavedPort UsePort(WindowPtr port);
+void RestorePort(const SavedPort& saved);
+
+struct SavedDrawing {
+    SavedPort current;
+    WindowPtr port;
+    HGDIOBJ pen;
+    HGDIOBJ font;
+    COLORREF textColour;
+    COLORREF textBackColour;
+    COLORREF foreColour;
+    COLORREF backColour;
+    int32_t fontNumber;
+    int32_t fontSize;
+    int32_t fontStyle;
+};
+// The same for whoever sets pen, font or colours: EndDrawing gives the port its own back. The drawing begins with the
+// port's initial pen and font and its own colours.
+[[nodiscard]] SavedDrawing BeginDrawing(WindowPtr port);
+void EndDrawing(const SavedDrawing& saved);
+
 // ---- rectangles and points ----
 
 void SetRect(Rect* rect, int left, int top, int right, int bottom);
@@ -115,5 +143,3 @@ void SetPortFont(int fontNumber, int size, int style);
 
 // Copies from the interface bitmap the area at source's top-left corner, of destination's size, into the port.
 void CopyFromInterfaceBitmap(WindowPtr port, const Rect* source, const Rect* destination);
-// The point at which something of that size is centred on the primary screen.
-void CentreOnScreen(Point* point, int width, int height);

@@ -4,18 +4,21 @@
 #include "toolbox/shell_door.h"
 #include "toolbox/windows.h"
 
-EventRecord currentEvent;
+namespace {
 
-static void ButtonEvent(EventRecord* event, int32_t mask);
-static void WheelEvent(EventRecord* event);
-static void MoveEvent(EventRecord* event, HRGN mouseRegion);
-static void CharacterEvent(EventRecord* event, int32_t mask);
-static void KeyEvent(EventRecord* event, int32_t mask);
-static void SystemKeyReleased(EventRecord* event);
-static void CommandEvent(EventRecord* event);
+void ButtonEvent(EventRecord* event, int32_t mask);
+void WheelEvent(EventRecord* event);
+void MoveEvent(EventRecord* event, HRGN mouseRegion);
+void CharacterEvent(EventRecord* event, int32_t mask);
+void KeyEvent(EventRecord* event, int32_t mask);
+void SystemKeyReleased(EventRecord* event);
+void CommandEvent(EventRecord* event);
+
+} // namespace
 
 int32_t WaitNextEvent(int32_t mask, EventRecord* event, uint32_t, HRGN mouseRegion)
 {
+    KeepRescueCopy();
     *event = {};
     MSG& message = event->platformMessage;
     if (!PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
@@ -70,19 +73,21 @@ int32_t WaitNextEvent(int32_t mask, EventRecord* event, uint32_t, HRGN mouseRegi
 
 // ---- pointer ----
 
-static bool KeyHeld(int key)
+namespace {
+
+bool KeyHeld(int key)
 {
     return GetKeyState(key) < 0;
 }
 
-static uint16_t HeldModifiers()
+uint16_t HeldModifiers()
 {
     const int held = (KeyHeld(VK_CONTROL) ? controlKey : 0) | (KeyHeld(VK_SHIFT) ? shiftKey : 0) |
                      (KeyHeld(VK_MENU) ? optionKey : 0);
     return static_cast<uint16_t>(held);
 }
 
-static void ButtonEvent(EventRecord* event, int32_t mask)
+void ButtonEvent(EventRecord* event, int32_t mask)
 {
     const MSG& message = event->platformMessage;
     const bool pressed = message.message == WM_LBUTTONDOWN || message.message == WM_RBUTTONDOWN;
@@ -96,14 +101,14 @@ static void ButtonEvent(EventRecord* event, int32_t mask)
     event->modifiers = HeldModifiers();
 }
 
-static void WheelEvent(EventRecord* event)
+void WheelEvent(EventRecord* event)
 {
     const auto delta = static_cast<int16_t>(HIWORD(event->platformMessage.wParam));
     event->what = delta > 0 ? wheelUpEvt : wheelDownEvt;
     event->message = reinterpret_cast<uintptr_t>(WindowRecord(event->platformMessage.hwnd));
 }
 
-static void MoveEvent(EventRecord* event, HRGN mouseRegion)
+void MoveEvent(EventRecord* event, HRGN mouseRegion)
 {
     constexpr uintptr_t mouseMovedMessage = 250;
     POINT position = {};
@@ -118,7 +123,7 @@ static void MoveEvent(EventRecord* event, HRGN mouseRegion)
 
 // ---- keys ----
 
-static const struct {
+const struct {
     UINT virtualKey;
     uintptr_t message;
 } keyMessages[] = {
@@ -127,14 +132,14 @@ static const struct {
     {VK_F8, f8Key},          {VK_F9, f9Key},
 };
 
-static void SetKeyDown(EventRecord* event, uintptr_t message, int modifiers)
+void SetKeyDown(EventRecord* event, uintptr_t message, int modifiers)
 {
     event->what = keyDown;
     event->message = message;
     event->modifiers = static_cast<uint16_t>(modifiers);
 }
 
-static void CharacterEvent(EventRecord* event, int32_t mask)
+void CharacterEvent(EventRecord* event, int32_t mask)
 {
     // With Ctrl a letter arrives as its place in the alphabet.
     constexpr uintptr_t controlToLetter = 96;
@@ -149,7 +154,7 @@ static void CharacterEvent(EventRecord* event, int32_t mask)
     }
 }
 
-static void KeyEvent(EventRecord* event, int32_t mask)
+void KeyEvent(EventRecord* event, int32_t mask)
 {
     const MSG& message = event->platformMessage;
     if ((message.wParam == VK_ADD || message.wParam == VK_OEM_PLUS) && KeyHeld(VK_CONTROL)) {
@@ -173,7 +178,7 @@ static void KeyEvent(EventRecord* event, int32_t mask)
     }
 }
 
-static void SystemKeyReleased(EventRecord* event)
+void SystemKeyReleased(EventRecord* event)
 {
     if (event->platformMessage.wParam == 'L') {
         SetKeyDown(event, 'L', controlKey | optionKey);
@@ -185,7 +190,7 @@ static void SystemKeyReleased(EventRecord* event)
 // ---- commands ----
 
 // A menu choice becomes a press, which the part finder places in the menu bar.
-static void CommandEvent(EventRecord* event)
+void CommandEvent(EventRecord* event)
 {
     const MSG& message = event->platformMessage;
     if (HIWORD(message.wParam) == 0) {
@@ -194,6 +199,8 @@ static void CommandEvent(EventRecord* event)
         DefWindowProcA(message.hwnd, message.message, message.wParam, message.lParam);
     }
 }
+
+} // namespace
 
 // ---- clock and button ----
 
@@ -205,4 +212,18 @@ uint32_t TickCount()
 int StillDown()
 {
     return GetAsyncKeyState(VK_LBUTTON) < 0 ? 1 : 0;
+}
+
+bool PressHasEnded(PressWatch* watch, bool held, bool releaseSeen)
+{
+    constexpr uint32_t graceMilliseconds = 60;
+    if (held || releaseSeen) {
+        watch->graceBegun = false;
+        return releaseSeen;
+    }
+    const uint32_t now = GetTickCount();
+    if (!watch->graceBegun) {
+        *watch = {true, now};
+    }
+    return now - watch->upSince > graceMilliseconds;
 }

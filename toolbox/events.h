@@ -52,6 +52,16 @@ uint32_t TickCount(); // sixtieths of a second
 // 1 while the left mouse button is held, read from the device and not from the queue.
 int StillDown();
 
+// Decides when a press that is followed has ended; whoever follows one begins with an empty watch and asks every
+// turn. held: as StillDown said. releaseSeen: the release was found in the queue, which ends the press at once.
+// Without it the press ends when the button has been up for longer than a release takes to arrive: somebody else took
+// it.
+struct PressWatch {
+    bool graceBegun;  // the button is up, but its release has not been seen
+    uint32_t upSince; // valid while graceBegun
+};
+bool PressHasEnded(PressWatch* watch, bool held, bool releaseSeen);
+
 // Follows the pointer while a button press lasts: every position that the system reported since the press, also those
 // between two polls, and none after the release. BeginPointerTrail with the press's event; each NextTrailPoint stores
 // the next position in the current port's coordinates and returns 1; when nothing new was reported it stores the last

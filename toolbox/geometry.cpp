@@ -4,8 +4,7 @@
 
 void SetRect(Rect* rect, int left, int top, int right, int bottom)
 {
-    *rect = {static_cast<int16_t>(top), static_cast<int16_t>(left), static_cast<int16_t>(bottom),
-             static_cast<int16_t>(right)};
+    *rect = MakeRect(left, top, right, bottom);
 }
 
 void OffsetRect(Rect* rect, int dh, int dv)
@@ -36,7 +35,7 @@ void Pt2Rect(Point first, Point second, Rect* rect)
 
 void SetPt(Point* point, int h, int v)
 {
-    *point = {static_cast<int16_t>(v), static_cast<int16_t>(h)};
+    *point = MakePoint(h, v);
 }
 
 bool EqualPt(Point first, Point second)

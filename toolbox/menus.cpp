@@ -3,81 +3,94 @@
 #include "toolbox/shell_door.h"
 #include "toolbox/windows.h"
 
-// The bar's menus by their position, with the number of their items.
-static const struct {
-    HMENU ShellState::*menu;
-    int itemCount;
+namespace {
+
+const struct BarMenu {
+    MenuNumber number;
+    HMENU ShellState::*handle;
 } barMenus[] = {
-    {&ShellState::fileMenu, 6},
-    {&ShellState::editMenu, 5},
-    {&ShellState::viewMenu, 5},
-    {&ShellState::helpMenu, 2},
+    {fileMenuNumber, &ShellState::fileMenu},
+    {editMenuNumber, &ShellState::editMenu},
+    {viewMenuNumber, &ShellState::viewMenu},
+    {helpMenuNumber, &ShellState::helpMenu},
 };
 
-static const struct {
-    int character;
-    HMENU ShellState::*menu;
-    int menuNumber;
-    int item;
-} keyEquivalents[] = {
-    {'n', &ShellState::fileMenu, fileMenuNumber, 1}, {'o', &ShellState::fileMenu, fileMenuNumber, 2},
-    {'s', &ShellState::fileMenu, fileMenuNumber, 4}, {'q', &ShellState::fileMenu, fileMenuNumber, 6},
-    {'t', &ShellState::editMenu, editMenuNumber, 1}, {'m', &ShellState::editMenu, editMenuNumber, 2},
-    {'r', &ShellState::viewMenu, viewMenuNumber, 1},
-};
+constexpr UINT disabledFlags = MF_GRAYED | MF_DISABLED;
 
-static uint32_t MenuResult(int menuNumber, int item)
+UINT PlaceInBar(MenuNumber menu)
+{
+    return static_cast<UINT>(menu - englishMenus - 1);
+}
+
+HMENU HandleOf(MenuNumber menu)
+{
+    for (const BarMenu& entry : barMenus) {
+        if (entry.number == menu) {
+            return shell.*entry.handle;
+        }
+    }
+    return nullptr;
+}
+
+uint32_t MenuResult(int menuNumber, int item)
 {
     return static_cast<uint32_t>(menuNumber) << 16 | static_cast<uint32_t>(item);
 }
 
-static HWND MapWindowHandle()
+HWND MapWindowHandle()
 {
     return shell.mapWindow != nullptr ? shell.mapWindow->window : nullptr;
 }
 
+} // namespace
+
 // ---- choosing ----
+
+void KeepMenus(HMENU bar)
+{
+    for (const BarMenu& entry : barMenus) {
+        shell.*entry.handle = GetSubMenu(bar, static_cast<int>(PlaceInBar(entry.number)));
+    }
+}
 
 uint32_t MenuSelect(Point)
 {
-    const int command = LOWORD(currentEvent.platformMessage.wParam);
-    const int menuBase = shell.language == 1 ? 200 : 300;
-    return MenuResult(command / 100 + menuBase, command % 100);
+    const Command command = static_cast<Command>(LOWORD(currentEvent.platformMessage.wParam));
+    return MenuResult(MenuOf(command) + (shell.language == 1 ? 0 : frenchMenus), ItemOf(command));
 }
 
 uint32_t MenuKey(int character)
 {
-    for (const auto& key : keyEquivalents) {
-        if (key.character != character) {
+    for (const CommandKey& row : controlLetters) {
+        if (row.key != character) {
             continue;
         }
-        const HMENU menu = shell.*key.menu;
-        const UINT position = static_cast<UINT>(key.item - 1);
-        const UINT state = GetMenuState(menu, position, MF_BYPOSITION);
-        if ((state & (MF_GRAYED | MF_DISABLED)) != 0) {
+        const HMENU menu = HandleOf(MenuOf(row.command));
+        const UINT position = static_cast<UINT>(ItemOf(row.command) - 1);
+        if ((GetMenuState(menu, position, MF_BYPOSITION) & disabledFlags) != 0) {
             return 0;
         }
         HiliteMenuItem(MapWindowHandle(), menu, position, MF_BYPOSITION | MF_UNHILITE);
-        return MenuResult(key.menuNumber, key.item);
+        return MenuResult(MenuOf(row.command), ItemOf(row.command));
     }
     return 0;
 }
 
 // ---- enabling and checking ----
 
-static void SetTitleState(HMENU menu, UINT state)
+namespace {
+
+void SetTitleState(HMENU menu, UINT state)
 {
-    UINT position = 0;
-    for (const auto& entry : barMenus) {
-        if (menu != nullptr && shell.*entry.menu == menu) {
-            EnableMenuItem(GetMenu(MapWindowHandle()), position, MF_BYPOSITION | state);
+    for (const BarMenu& entry : barMenus) {
+        if (menu != nullptr && shell.*entry.handle == menu) {
+            EnableMenuItem(GetMenu(MapWindowHandle()), PlaceInBar(entry.number), MF_BYPOSITION | state);
             return;
         }
-        position++;
     }
 }
 
-static void SetItemEnabling(HMENU menu, int item, UINT state)
+void SetItemEnabling(HMENU menu, int item, UINT state)
 {
     if (item == 0) {
         SetTitleState(menu, state);
@@ -85,6 +98,8 @@ static void SetItemEnabling(HMENU menu, int item, UINT state)
         EnableMenuItem(menu, static_cast<UINT>(item - 1), MF_BYPOSITION | state);
     }
 }
+
+} // namespace
 
 void EnableItem(HMENU menu, int item)
 {
@@ -103,19 +118,45 @@ void CheckItem(HMENU menu, int item, int checked)
     }
 }
 
+int IsItemDisabled(MenuNumber menu, int item)
+{
+    const UINT title = GetMenuState(GetMenu(MapWindowHandle()), PlaceInBar(menu), MF_BYPOSITION);
+    const UINT state = GetMenuState(HandleOf(menu), static_cast<UINT>(item - 1), MF_BYPOSITION);
+    return ((title | state) & disabledFlags) != 0 ? 1 : 0;
+}
+
+int IsCommandDisabled(Command command)
+{
+    return IsItemDisabled(MenuOf(command), ItemOf(command));
+}
+
+void EnableCommand(Command command)
+{
+    const HMENU menu = HandleOf(MenuOf(command));
+    EnableItem(menu, 0);
+    EnableItem(menu, ItemOf(command));
+}
+
+void CheckCommand(Command command, int checked)
+{
+    CheckItem(HandleOf(MenuOf(command)), ItemOf(command), checked);
+}
+
 void DisableAllMenus()
 {
-    for (const auto& entry : barMenus) {
-        for (int item = 0; item <= entry.itemCount; item++) {
-            DisableItem(shell.*entry.menu, item);
+    for (const BarMenu& entry : barMenus) {
+        const HMENU menu = shell.*entry.handle;
+        const int itemCount = GetMenuItemCount(menu);
+        for (int item = 0; item <= itemCount; item++) {
+            DisableItem(menu, item);
         }
     }
 }
 
 void DisableMenuTitles()
 {
-    for (const auto& entry : barMenus) {
-        DisableItem(shell.*entry.menu, 0);
+    for (const BarMenu& entry : barMenus) {
+        DisableItem(shell.*entry.handle, 0);
     }
     DrawMenuBar(MapWindowHandle());
 }

@@ -6,7 +6,9 @@
 
 // ---- making and taking apart ----
 
-static void CopyPortSettings(WindowPtr world)
+namespace {
+
+void CopyPortSettings(WindowPtr world)
 {
     if (currentPort != nullptr) {
         world->foreColour = currentPort->foreColour;
@@ -17,7 +19,7 @@ static void CopyPortSettings(WindowPtr world)
     }
 }
 
-static bool AttachMemoryContext(WindowPtr world)
+bool AttachMemoryContext(WindowPtr world)
 {
     world->dc = CreateCompatibleDC(shell.mapWindowDC);
     if (world->dc == nullptr) {
@@ -39,6 +41,8 @@ static bool AttachMemoryContext(WindowPtr world)
     world->displacedBitmap = static_cast<HBITMAP>(SelectObject(world->dc, world->offscreenBitmap));
     return true;
 }
+
+} // namespace
 
 int16_t NewGWorld(WindowPtr* world, int, const Rect* bounds, void*, void*, uint32_t)
 {
@@ -95,10 +99,4 @@ void CopyBits(HDC sourceDC, HDC destinationDC, const Rect* source, const Rect* d
 void CopyFromInterfaceBitmap(WindowPtr port, const Rect* source, const Rect* destination)
 {
     CopyBits(shell.interfaceDC, port->dc, source, destination, 0, nullptr);
-}
-
-void CentreOnScreen(Point* point, int width, int height)
-{
-    SetPt(point, (shell.screenRect.right - shell.screenRect.left - width) / 2,
-          (shell.screenRect.bottom - shell.screenRect.top - height) / 2);
 }

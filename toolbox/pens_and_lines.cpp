@@ -4,10 +4,14 @@
 
 // ---- pen and colours ----
 
-static void SelectNewPen(int width)
+namespace {
+
+void SelectNewPen(int width)
 {
     ReplaceObject(currentPort->dc, CreatePen(PS_SOLID, width, currentPort->foreColour), currentPort->initialPen);
 }
+
+} // namespace
 
 void ForeColor(COLORREF colour)
 {

@@ -4,22 +4,20 @@
 
 #include <algorithm>
 
-// The system keeps this many of the pointer's last positions, or at least so few, and then refuses to give more.
-static constexpr int historySize = 1024;
-static constexpr int leastHistorySize = 64;
+namespace {
 
-// How long after the button went up the release may still be on its way into the queue.
-static constexpr uint32_t releaseGraceMilliseconds = 60;
+// The system keeps this many of the pointer's last positions, or at least so few, and then refuses to give more.
+constexpr int historySize = 1024;
+constexpr int leastHistorySize = 64;
 
 struct TrailEntry {
     POINT position; // screen
     uint32_t time;
 };
 
-static struct {
-    bool following;   // false once the release is known, or from the start when there is nothing to follow
-    bool graceBegun;  // the button is up, but its release has not been seen
-    uint32_t upSince; // valid while graceBegun
+struct {
+    bool following; // false once the release is known, or from the start when there is nothing to follow
+    PressWatch watch;
     TrailEntry press;
     // The newest entry of the history that was taken, and how many entries of the history were alike: several can
     // carry the same position and millisecond.
@@ -32,21 +30,23 @@ static struct {
     int waitingNext;
 } trail;
 
-static bool SamePosition(const POINT& first, const POINT& second)
+bool SamePosition(const POINT& first, const POINT& second)
 {
     return first.x == second.x && first.y == second.y;
 }
 
-static bool SameEntry(const TrailEntry& first, const TrailEntry& second)
+bool SameEntry(const TrailEntry& first, const TrailEntry& second)
 {
     return SamePosition(first.position, second.position) && first.time == second.time;
 }
 
 // Milliseconds from the second time to the first; the clock may have turned over between them.
-static int32_t TimeAfter(uint32_t first, uint32_t second)
+int32_t TimeAfter(uint32_t first, uint32_t second)
 {
     return static_cast<int32_t>(first - second);
 }
+
+} // namespace
 
 // ---- the system's history ----
 
@@ -55,7 +55,9 @@ struct History {
     int count;
 };
 
-static History ReadHistory()
+namespace {
+
+History ReadHistory()
 {
     History history = {};
     POINT pointer = {};
@@ -75,14 +77,14 @@ static History ReadHistory()
     return history;
 }
 
-static int CountAlike(const History& history, const TrailEntry& wanted)
+int CountAlike(const History& history, const TrailEntry& wanted)
 {
     return static_cast<int>(std::count_if(history.entries, history.entries + history.count,
                                           [&](const TrailEntry& entry) { return SameEntry(entry, wanted); }));
 }
 
 // The index of the entry that is the n-th from the newest (from 1) of those alike; the count when there is none.
-static int IndexOfAlike(const History& history, const TrailEntry& wanted, int n)
+int IndexOfAlike(const History& history, const TrailEntry& wanted, int n)
 {
     for (int i = 0; i < history.count; i++) {
         if (SameEntry(history.entries[i], wanted) && --n == 0) {
@@ -93,7 +95,7 @@ static int IndexOfAlike(const History& history, const TrailEntry& wanted, int n)
 }
 
 // How many of the newest entries were not taken yet.
-static int UnseenCount(const History& history)
+int UnseenCount(const History& history)
 {
     const TrailEntry& seen = trail.hasMark ? trail.mark : trail.press;
     const int alike = CountAlike(history, seen);
@@ -113,7 +115,7 @@ static int UnseenCount(const History& history)
 
 // How many of the newest entries came after the release. What carries the release's own millisecond is later when it
 // is newer than the release's position there, or when that position had been reached before.
-static int CountAfter(const History& history, const TrailEntry& release)
+int CountAfter(const History& history, const TrailEntry& release)
 {
     int later = 0;
     while (later < history.count && TimeAfter(history.entries[later].time, release.time) > 0) {
@@ -129,7 +131,7 @@ static int CountAfter(const History& history, const TrailEntry& release)
 }
 
 // Takes the entries between those taken before and the newest skipped ones, oldest first.
-static void TakeNewEntries(const History& history, int skipped)
+void TakeNewEntries(const History& history, int skipped)
 {
     const int unseen = UnseenCount(history);
     for (int i = unseen - 1; i >= skipped; i--) {
@@ -145,6 +147,8 @@ static void TakeNewEntries(const History& history, int skipped)
     }
 }
 
+} // namespace
+
 // ---- following ----
 
 void BeginPointerTrail(const EventRecord* press)
@@ -157,41 +161,30 @@ void BeginPointerTrail(const EventRecord* press)
     trail.following = message.message == WM_LBUTTONDOWN;
 }
 
-// Begins or continues the wait for a release that the device shows and the queue does not; gives up after a while.
-static void AwaitRelease()
-{
-    const uint32_t now = GetTickCount();
-    if (!trail.graceBegun) {
-        trail.graceBegun = true;
-        trail.upSince = now;
-    } else if (now - trail.upSince > releaseGraceMilliseconds) {
-        trail.following = false; // somebody else took the release
-    }
-}
+namespace {
 
 // Collects what is new. The order of the steps is what keeps the positions in order and those of after the release
 // out: the history is read when it holds what led to the pointer's position, and before the queue is found without a
 // release.
-static void CollectPositions()
+void CollectPositions()
 {
     POINT pointer = {};
     GetCursorPos(&pointer);
     const bool held = StillDown() != 0;
     const History history = ReadHistory();
     MSG message = {};
-    if (PeekMessageA(&message, nullptr, WM_LBUTTONUP, WM_LBUTTONUP, PM_NOREMOVE)) {
+    const bool releaseSeen = PeekMessageA(&message, nullptr, WM_LBUTTONUP, WM_LBUTTONUP, PM_NOREMOVE);
+    trail.following = !PressHasEnded(&trail.watch, held, releaseSeen);
+    if (releaseSeen) {
         const TrailEntry release = {message.pt, message.time};
         const History whole = ReadHistory();
         TakeNewEntries(whole, CountAfter(whole, release));
         trail.waiting[trail.waitingCount++] = release;
-        trail.following = false;
         return;
     }
     if (!held) {
-        AwaitRelease();
         return;
     }
-    trail.graceBegun = false;
     TakeNewEntries(history, 0);
     if (trail.waitingCount == 0) {
         trail.waiting[trail.waitingCount++] = {pointer, 0};
@@ -199,7 +192,7 @@ static void CollectPositions()
 }
 
 // The next position that differs from the last one; to stay in place is nothing new.
-static bool TakeWaiting()
+bool TakeWaiting()
 {
     while (trail.waitingNext < trail.waitingCount) {
         const POINT position = trail.waiting[trail.waitingNext++].position;
@@ -212,6 +205,8 @@ static bool TakeWaiting()
     trail.waitingCount = 0;
     return false;
 }
+
+} // namespace
 
 int NextTrailPoint(Point* point)
 {

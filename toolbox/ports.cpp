@@ -3,8 +3,6 @@
 #include "toolbox/shell_door.h"
 #include "toolbox/windows.h"
 
-WindowPtr currentPort;
-
 void SetPort(WindowPtr port)
 {
     currentPort = port;
@@ -15,12 +13,63 @@ void GetPort(WindowPtr* port)
     *port = currentPort;
 }
 
+// ---- a port used for a while ----
+
+SavedPort UsePort(WindowPtr port)
+{
+    const SavedPort saved = {currentPort};
+    currentPort = port;
+    return saved;
+}
+
+void RestorePort(const SavedPort& saved)
+{
+    currentPort = saved.previous;
+}
+
+SavedDrawing BeginDrawing(WindowPtr port)
+{
+    SavedDrawing saved = {};
+    saved.current = UsePort(port);
+    saved.port = port;
+    saved.textColour = GetTextColor(port->dc);
+    saved.textBackColour = GetBkColor(port->dc);
+    saved.foreColour = port->foreColour;
+    saved.backColour = port->backColour;
+    saved.fontNumber = port->fontNumber;
+    saved.fontSize = port->fontSize;
+    saved.fontStyle = port->fontStyle;
+    // With the initial objects selected, what is drawn with meanwhile never deletes the saved ones.
+    saved.pen = SelectObject(port->dc, port->initialPen);
+    saved.font = SelectObject(port->dc, port->initialFont);
+    return saved;
+}
+
+void EndDrawing(const SavedDrawing& saved)
+{
+    const WindowPtr port = saved.port;
+    ReplaceObject(port->dc, saved.pen, port->initialPen);
+    ReplaceObject(port->dc, saved.font, port->initialFont);
+    SetTextColor(port->dc, saved.textColour);
+    SetBkColor(port->dc, saved.textBackColour);
+    port->foreColour = saved.foreColour;
+    port->backColour = saved.backColour;
+    port->fontNumber = saved.fontNumber;
+    port->fontSize = saved.fontSize;
+    port->fontStyle = saved.fontStyle;
+    RestorePort(saved.current);
+}
+
 // ---- coordinates ----
 
-static HWND CurrentWindow()
+namespace {
+
+HWND CurrentWindow()
 {
     return currentPort != nullptr ? currentPort->window : nullptr;
 }
+
+} // namespace
 
 void GlobalToLocal(Point* point)
 {
@@ -49,8 +98,10 @@ void GetMouse(Point* point)
     GlobalToLocal(point);
 }
 
+namespace {
+
 // Moves the device context's origin so that the window's top-left client pixel is (h, v). False when it is there.
-static bool ShiftOrigin(HWND window, HDC dc, int h, int v)
+bool ShiftOrigin(HWND window, HDC dc, int h, int v)
 {
     const RECT area = LogicalClientRect(window, dc);
     if (area.left == h && area.top == v) {
@@ -59,6 +110,8 @@ static bool ShiftOrigin(HWND window, HDC dc, int h, int v)
     OffsetWindowOrgEx(dc, h - area.left, v - area.top, nullptr);
     return true;
 }
+
+} // namespace
 
 void SetOrigin(int h, int v)
 {

@@ -4,6 +4,7 @@
 // called upwards.
 #pragma once
 
+#include "generated/text_names.h"
 #include "toolbox/events.h"
 #include "toolbox/types.h"
 
@@ -78,21 +79,28 @@ int HandleContentClick();                                      // the current ev
 void CopyMapImageToView();                                     // and the background where the map ends
 void DrawStatusStrip();
 void SetStatusText(int redraw, int list, int index, const char* text);
+void SetStatusText(int redraw, TextID text);
 void ClearStatusText();
 
 // ---- loading a map ----
 
-int16_t LoadMapArt(); // 0 when the map image holds the art
 void FitWindowToMap();
 void CreateScrollBarsIfNeeded();
 void ReleaseMapResources(); // map image, cell columns and interface bitmap
 int LoadInterfaceBitmap();  // 0 on success, also when it is there already
 
-// ---- views drawn into the map image ----
+void KeepRescueCopy(); // of work that is not in the map's file, where a change was noted; by every loop's next event
 
-void DrawUTMGrid();
+// ---- the map image and the views drawn into it ----
+
+// Draws the whole map image anew: the art, or the terrain analysis while that is on, and over it the UTM grid when it
+// is shown. The window is not repainted. 0, or LoadMapArt's status, with the image as it was. Whoever changes what
+// the image shows calls this; the four below are its parts.
+int16_t ComposeMapImage();
+int16_t LoadMapArt();         // art or analysis; 0 when the map image holds it
+void RenderTerrainAnalysis(); // with the grid over it
+void DrawUTMGrid();           // over what is there, in the mode that is set
 void RedrawUTMGridIfShown();
-void RenderTerrainAnalysis();
 void UpdateCursorReadout(); // the idle step of every loop that shows the map
 
 // ---- dialogs ----

@@ -1,22 +1,18 @@
 #include "toolbox/resources.h"
 #include "toolbox/shell_door.h"
 
-static constexpr int soundSlotCount = 5;
+namespace {
+
+constexpr int soundSlotCount = 5;
 
 // Sounds loaded for playing from memory. This program plays its sounds from the resources and fills no slot.
-static struct {
+struct {
     HGLOBAL loaded[soundSlotCount];
     int current;
     bool playing;
 } sounds;
 
-void PlaySoundResource(int id)
-{
-    PlaySoundA(nullptr, nullptr, 0);
-    PlaySoundA(MAKEINTRESOURCEA(id), shell.appInstance, SND_RESOURCE | SND_NODEFAULT | SND_NOSTOP);
-}
-
-static void ReleaseCurrentSlot()
+void ReleaseCurrentSlot()
 {
     HGLOBAL& slot = sounds.loaded[sounds.current];
     if (slot != nullptr) {
@@ -24,6 +20,14 @@ static void ReleaseCurrentSlot()
     }
     slot = nullptr;
     sounds.playing = false;
+}
+
+} // namespace
+
+void PlaySoundResource(int id)
+{
+    PlaySoundA(nullptr, nullptr, 0);
+    PlaySoundA(MAKEINTRESOURCEA(id), shell.appInstance, SND_RESOURCE | SND_NODEFAULT | SND_NOSTOP);
 }
 
 void StopSound()

@@ -4,8 +4,12 @@
 #include <charconv>
 #include <cstring>
 
+namespace {
+
 // A result that reaches this length is not made.
-static constexpr size_t lengthLimit = 255;
+constexpr size_t lengthLimit = 255;
+
+} // namespace
 
 // ---- string lists ----
 
@@ -21,6 +25,11 @@ void GetIndStringRaw(char* text, int list, int index)
     LoadStringA(shell.appInstance, static_cast<UINT>(list + index), text, static_cast<int>(lengthLimit));
 }
 
+void GetText(char* text, TextID id)
+{
+    GetIndString(text, ListOf(id), IndexOf(id));
+}
+
 // ---- conversions ----
 
 void NumToString(int32_t number, char* text)
@@ -28,10 +37,14 @@ void NumToString(int32_t number, char* text)
     *std::to_chars(text, text + textBufferSize - 1, number).ptr = '\0';
 }
 
-static bool IsWhiteSpace(char character)
+namespace {
+
+bool IsWhiteSpace(char character)
 {
     return character == ' ' || (character >= '\t' && character <= '\r');
 }
+
+} // namespace
 
 int32_t StringToNum(const char* text, int32_t* number)
 {
@@ -50,10 +63,14 @@ int32_t StringToNum(const char* text, int32_t* number)
     return *number;
 }
 
-static char LowerCase(char character)
+namespace {
+
+char LowerCase(char character)
 {
     return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
 }
+
+} // namespace
 
 bool EqualString(const char* first, const char* second, int caseSensitive, int)
 {
@@ -92,6 +109,11 @@ void AppendIndString(char* destination, int list, int index)
     char text[textBufferSize];
     GetIndString(text, list, index);
     AppendText(destination, text);
+}
+
+void AppendText(char* destination, TextID id)
+{
+    AppendIndString(destination, ListOf(id), IndexOf(id));
 }
 
 void AppendNumber(char* destination, int32_t value)

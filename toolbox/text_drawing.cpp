@@ -5,12 +5,14 @@
 #include <algorithm>
 #include <cstring>
 
+namespace {
+
 // What a text box keeps free of its rectangle's left side.
-static constexpr int textBoxIndent = 4;
+constexpr int textBoxIndent = 4;
 
 // ---- fonts ----
 
-static const char* FaceName(int fontNumber)
+const char* FaceName(int fontNumber)
 {
     switch (fontNumber) {
     case fontArial:
@@ -21,6 +23,8 @@ static const char* FaceName(int fontNumber)
         return "Times New Roman Bold";
     }
 }
+
+} // namespace
 
 HFONT NewFont(const char* faceName, int fontNumber, int size, int style)
 {
@@ -50,12 +54,14 @@ void SetPortFont(int fontNumber, int size, int style)
 
 // ---- lines of text ----
 
-static int TextLength(const char* text)
+namespace {
+
+int TextLength(const char* text)
 {
     return static_cast<int>(std::strlen(text));
 }
 
-static void DrawAtPen(const char* text, int backgroundMode)
+void DrawAtPen(const char* text, int backgroundMode)
 {
     const HDC dc = currentPort->dc;
     POINT pen = {};
@@ -65,6 +71,8 @@ static void DrawAtPen(const char* text, int backgroundMode)
     TextOutA(dc, pen.x, pen.y, text, TextLength(text));
     SetBkMode(dc, previousMode);
 }
+
+} // namespace
 
 void DrawString(const char* text)
 {
@@ -85,8 +93,12 @@ int StringWidth(const char* text)
 
 // ---- wrapped text ----
 
+namespace {
+
 // The texts carry no mnemonics: an '&' in them is meant to be seen.
-static constexpr UINT wrappedText = DT_WORDBREAK | DT_NOPREFIX;
+constexpr UINT wrappedText = DT_WORDBREAK | DT_NOPREFIX;
+
+} // namespace
 
 void TextBox(const char* textPlusOne, int, const Rect* rect, int justification)
 {

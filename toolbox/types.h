@@ -15,6 +15,18 @@ struct Point {
     int16_t h;
 };
 
+// The one way to make them: in the order of the platform, horizontal before vertical, from plain numbers.
+constexpr Rect MakeRect(int left, int top, int right, int bottom)
+{
+    return {static_cast<int16_t>(top), static_cast<int16_t>(left), static_cast<int16_t>(bottom),
+            static_cast<int16_t>(right)};
+}
+
+constexpr Point MakePoint(int h, int v)
+{
+    return {static_cast<int16_t>(v), static_cast<int16_t>(h)};
+}
+
 struct PortRecord;
 typedef PortRecord* WindowPtr;
 struct DialogItem;

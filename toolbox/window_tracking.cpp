@@ -15,7 +15,9 @@ void ScreenOutline(const Rect* rect)
 
 // ---- dragging ----
 
-static void MoveOutline(Rect* outline, Point* last, const MSG& message)
+namespace {
+
+void MoveOutline(Rect* outline, Point* last, const MSG& message)
 {
     POINT position = MessagePoint(message.lParam);
     ClientToScreen(message.hwnd, &position);
@@ -29,33 +31,22 @@ static void MoveOutline(Rect* outline, Point* last, const MSG& message)
     ScreenOutline(outline);
 }
 
-// True when the button is up and its release still has not come after some time: somebody else took it.
-static bool ReleaseIsLost(uint32_t* lastSign)
-{
-    constexpr uint32_t graceMilliseconds = 60;
-    const uint32_t now = GetTickCount();
-    if (StillDown()) {
-        *lastSign = now;
-    }
-    return now - *lastSign > graceMilliseconds;
-}
-
-static void TrackOutline(Rect* outline, Point start)
+void TrackOutline(Rect* outline, Point start)
 {
     Point last = start;
-    uint32_t lastSign = GetTickCount();
+    PressWatch watch = {};
     while (true) {
         MSG message = {};
         const bool taken = PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE);
         if (taken && message.message == WM_MOUSEMOVE) {
             MoveOutline(outline, &last, message);
-        } else if (taken && message.message == WM_LBUTTONUP) {
-            return;
-        } else if (ReleaseIsLost(&lastSign)) {
+        } else if (PressHasEnded(&watch, StillDown() != 0, taken && message.message == WM_LBUTTONUP)) {
             return;
         }
     }
 }
+
+} // namespace
 
 void DragWindow(WindowPtr window, Point start, const Rect*)
 {
@@ -73,7 +64,9 @@ void DragWindow(WindowPtr window, Point start, const Rect*)
 
 // ---- growing ----
 
-static POINT MapPointOnScreen(int h, int v)
+namespace {
+
+POINT MapPointOnScreen(int h, int v)
 {
     POINT position = {h, v};
     LPtoDP(shell.mapWindowDC, &position, 1);
@@ -82,7 +75,7 @@ static POINT MapPointOnScreen(int h, int v)
 }
 
 // The bottom and the right edge only: the others stay where they are.
-static void GrowOutline(HDC screen, const POINT& anchor, const POINT& corner)
+void GrowOutline(HDC screen, const POINT& anchor, const POINT& corner)
 {
     MoveToEx(screen, anchor.x, corner.y, nullptr);
     LineWithEndPixel(screen, corner.x, corner.y);
@@ -90,21 +83,22 @@ static void GrowOutline(HDC screen, const POINT& anchor, const POINT& corner)
 }
 
 // The least size wins where the limits cross.
-static int Limited(int size, int least, int greatest)
+int Limited(int size, int least, int greatest)
 {
     return std::max(std::min(size, greatest), least);
 }
 
-static POINT LimitedCorner(const POINT& anchor, const POINT& corner, const Rect* limits)
+POINT LimitedCorner(const POINT& anchor, const POINT& corner, const Rect* limits)
 {
     return {anchor.x + Limited(corner.x - anchor.x, limits->left, limits->right),
             anchor.y + Limited(corner.y - anchor.y, limits->top, limits->bottom)};
 }
 
+} // namespace
+
 uint32_t GrowWindow(uintptr_t, uintptr_t, const Rect* limits)
 {
-    const WindowPtr savedPort = currentPort;
-    SetPort(shell.mapWindow);
+    const SavedPort saved = UsePort(shell.mapWindow);
     const HDC screen = GetDC(nullptr);
     const int previousMode = SetROP2(screen, R2_NOT);
     const Rect& content = shell.mapWindow->contentRect;
@@ -132,7 +126,7 @@ uint32_t GrowWindow(uintptr_t, uintptr_t, const Rect* limits)
     }
     SetROP2(screen, previousMode);
     ReleaseDC(nullptr, screen);
-    SetPort(savedPort);
+    RestorePort(saved);
     corner = LimitedCorner(anchor, corner, limits);
     return MAKELONG(static_cast<WORD>(corner.x - anchor.x), static_cast<WORD>(corner.y - anchor.y));
 }

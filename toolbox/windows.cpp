@@ -14,7 +14,9 @@ WindowPtr WindowRecord(HWND window)
     return reinterpret_cast<WindowPtr>(GetWindowLongPtrA(window, 0));
 }
 
-static WindowPtr PressedWindow(HWND window)
+namespace {
+
+WindowPtr PressedWindow(HWND window)
 {
     if (window != nullptr && (window == view.horizontalScrollBar || window == view.verticalScrollBar)) {
         return shell.mapWindow;
@@ -22,17 +24,16 @@ static WindowPtr PressedWindow(HWND window)
     return WindowRecord(window);
 }
 
-static int16_t PartOfItem(WindowPtr window)
+int16_t PartOfItem(WindowPtr window)
 {
     constexpr int closeBoxKind = 6;
     constexpr int titleBarKind = 7;
     constexpr int rightTitleBoxKind = 26;
 
-    const WindowPtr savedPort = currentPort;
-    SetPort(window);
+    const SavedPort saved = UsePort(window);
     Point point = currentEvent.where;
     GlobalToLocal(&point);
-    SetPort(savedPort);
+    RestorePort(saved);
     DialogItem* item = nullptr;
     if (!FindItemAt(point, window, &item)) {
         return inContent;
@@ -47,6 +48,8 @@ static int16_t PartOfItem(WindowPtr window)
         return inContent;
     }
 }
+
+} // namespace
 
 int16_t FindWindow(Point, WindowPtr* window)
 {
@@ -79,7 +82,9 @@ struct WindowStyles {
     DWORD window;
 };
 
-static WindowStyles StylesOfKind(int kind)
+namespace {
+
+WindowStyles StylesOfKind(int kind)
 {
     constexpr DWORD popUp = WS_POPUP | WS_BORDER;
     constexpr DWORD scrollingChild = WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_BORDER | WS_VSCROLL;
@@ -100,8 +105,7 @@ static WindowStyles StylesOfKind(int kind)
     }
 }
 
-static HWND CreatePlatformWindow(const char* className, WindowPtr parent, const Rect* bounds, const char* title,
-                                 int kind)
+HWND CreatePlatformWindow(const char* className, WindowPtr parent, const Rect* bounds, const char* title, int kind)
 {
     const WindowStyles styles = StylesOfKind(kind);
     WNDCLASSA windowClass = {};
@@ -127,13 +131,15 @@ static HWND CreatePlatformWindow(const char* className, WindowPtr parent, const 
                            shell.appInstance, nullptr);
 }
 
-static void PlaceBehind(HWND window, WindowPtr behind)
+void PlaceBehind(HWND window, WindowPtr behind)
 {
     if (behind != nullptr) {
         SetWindowPos(window, behind == FRONT_WINDOW ? HWND_NOTOPMOST : behind->window, 0, 0, 0, 0,
                      SWP_NOMOVE | SWP_NOSIZE);
     }
 }
+
+} // namespace
 
 WindowPtr NewWindow(const char* className, WindowPtr parent, const Rect* bounds, const char* title, int visible,
                     int kind, WindowPtr behind, int, intptr_t)
@@ -157,9 +163,11 @@ WindowPtr NewWindow(const char* className, WindowPtr parent, const Rect* bounds,
 
 // ---- place, size, order ----
 
+namespace {
+
 // The frame that the window would have around this client area on the screen. Measured on the window itself, because
 // its style is not kept; a window that was never shown has the frame that the platform gives it then.
-static RECT FrameAround(HWND window, const RECT& wanted)
+RECT FrameAround(HWND window, const RECT& wanted)
 {
     RECT frame = {};
     RECT client = {};
@@ -171,6 +179,8 @@ static RECT FrameAround(HWND window, const RECT& wanted)
             wanted.right + (frame.right - (corner.x + client.right)),
             wanted.bottom + (frame.bottom - (corner.y + client.bottom))};
 }
+
+} // namespace
 
 void MoveWindowTo(WindowPtr window, int h, int v, int front)
 {
@@ -242,7 +252,11 @@ void GetWTitle(WindowPtr window, char* title)
 
 // ---- updates ----
 
-static PAINTSTRUCT updateInProgress;
+namespace {
+
+PAINTSTRUCT updateInProgress;
+
+} // namespace
 
 void BeginUpdate(WindowPtr window)
 {
@@ -258,8 +272,10 @@ void EndUpdate(WindowPtr window)
     }
 }
 
+namespace {
+
 // The rectangle in client coordinates of the current port's window.
-static RECT ClientForm(const Rect* rect)
+RECT ClientForm(const Rect* rect)
 {
     if (currentPort != shell.mapWindow) {
         return PlatformRect(rect);
@@ -268,6 +284,8 @@ static RECT ClientForm(const Rect* rect)
     LPtoDP(shell.mapWindowDC, corners, 2);
     return {corners[0].x, corners[0].y, corners[1].x, corners[1].y};
 }
+
+} // namespace
 
 void InvalRect(const Rect* rect)
 {

@@ -4,7 +4,7 @@
 
 #include "toolbox/drawing.h"
 
-enum WindowPart { inDesk = 0, inMenuBar = 1, inSysWindow = 2, inContent = 3, inDrag = 4, inGrow = 5, inGoAway = 6 };
+enum WindowPart { inDesk = 0, inMenuBar = 1, inContent = 3, inDrag = 4, inGrow = 5, inGoAway = 6 };
 
 // The window's record, from its first extra word; null for windows that have none.
 WindowPtr WindowRecord(HWND window);

@@ -1,9 +1,11 @@
 """Writes resources.cpp, the tables of platform/kernel/resource_table.h: the files that the generators have made and
-the texts and menus of resources/."""
+the texts and menus of resources/. And text_names.h, which names the texts."""
 
 import re
 import sys
 from pathlib import Path
+
+import make_menus
 
 BITMAP_FILE_HEADER = 14  # bytes before the packed bitmap
 TEXT_LIMIT = 254  # bytes, so that text and terminator fit every buffer
@@ -12,48 +14,28 @@ FRENCH = 500  # a French text's number is the English text's plus this
 # The generators' files; "WAVE" is the name of a type, the others have numbers.
 NUMBERED_FILES = {"cursor-*.cur": "cursor", "icon-*.ico": "icon", "sound-*.wav": "WAVE"}
 TYPE_NUMBERS = {"cursor": 1, "bitmap": 2, "icon": 3, "menu": 4}
-TEXT_LINE = re.compile(r'(\d+)\t"([^"\t]*)"\t"([^"\t]*)"')
-MENU_ITEM = re.compile(r"  (?:(\d{3}) ([^|]+)(?:\|([^|]+))?|-)")
+TEXT_LINE = re.compile(r'(\d+)\t([a-z][A-Za-z0-9]*Text)\t"([^"\t]*)"\t"([^"\t]*)"')
 ROW_BYTES = 32
 
 
 def read_strings(path):
-    texts = {}
+    """The texts by their numbers, and the English texts' numbers by their names, in the order of the file."""
+    texts, names = {}, {}
     for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
         if not line or line.startswith("#"):
             continue
         match = TEXT_LINE.fullmatch(line)
         if not match:
-            raise ValueError(f'{path}:{number}: expected number, "English" and "French", separated by tabs')
-        for key, text in ((int(match[1]), match[2]), (int(match[1]) + FRENCH, match[3])):
+            raise ValueError(f'{path}:{number}: expected number, nameText, "English" and "French", separated by tabs')
+        identifier, name, english, french = int(match[1]), match[2], match[3], match[4]
+        for key, text in ((identifier, english), (identifier + FRENCH, french)):
             if key in texts or not 0 < len(text.encode()) <= TEXT_LIMIT:
                 raise ValueError(f"{path}:{number}: text {key} is there twice, empty or over {TEXT_LIMIT} bytes")
             texts[key] = text
-    return sorted(texts.items())
-
-
-def read_menus(path):
-    """The menu bars by their names, each as the text that the program reads."""
-    menus, name = {}, None
-    titles = items = 0
-    for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
-        if not line or line.startswith("#"):
-            continue
-        if line.startswith("["):
-            name, titles = line.strip("[]"), 0
-            menus[name] = ""
-            continue
-        item = MENU_ITEM.fullmatch(line)
-        if name is None or (line.startswith(" ") and (not item or titles == 0)):
-            raise ValueError(f"{path}:{number}: not a menu item")
-        if item:
-            items += 1
-            if item[1] and int(item[1]) != 100 * titles + items:
-                raise ValueError(f"{path}:{number}: the item in this place has the command {100 * titles + items}")
-        else:
-            titles, items = titles + 1, 0
-        menus[name] += line + "\n"
-    return menus
+        if name in names:
+            raise ValueError(f"{path}:{number}: {name} names text {names[name]} already")
+        names[name] = identifier
+    return texts, names
 
 
 def c_string(text):
@@ -82,7 +64,7 @@ def collect(resources, output):
             type_name = None if kind in TYPE_NUMBERS else kind
             number = int(file.stem.split("-")[1])
             found.append((type_name, TYPE_NUMBERS.get(kind, 0), None, number, file.read_bytes()))
-    for name, text in read_menus(resources / "menu.txt").items():
+    for name, text in make_menus.bars(resources):
         found.append((None, TYPE_NUMBERS["menu"], name, 0, text.encode()))
     return found
 
@@ -112,7 +94,7 @@ def source(found, texts):
             f"const int moduleResourceCount = {len(found)};",
             "",
             "const ModuleString moduleStrings[] = {",
-            *(f"    {{{number}, {c_string(text)}}}," for number, text in texts),
+            *(f"    {{{number}, {c_string(text)}}}," for number, text in sorted(texts.items())),
             "};",
             f"const int moduleStringCount = {len(texts)};",
             "",
@@ -120,8 +102,29 @@ def source(found, texts):
     )
 
 
+def make_text_names(resources, output):
+    """The header alone: it needs nothing that a generator made."""
+    path = output / "text_names.h"
+    header = "\n".join(
+        [
+            "// Generated from resources/strings.txt by tools/embed_resources.py.",
+            "#pragma once",
+            "",
+            "// The texts of the string table, by the numbers of their English forms.",
+            "enum TextID : int {",
+            *(f"    {name} = {number}," for name, number in read_strings(resources / "strings.txt")[1].items()),
+            "};",
+            "",
+        ]
+    )
+    # Half of the program includes it: it is written only when it changes.
+    if not path.exists() or path.read_text(encoding="ascii") != header:
+        path.write_text(header, encoding="ascii", newline="\n")
+
+
 def make(resources, output):
-    text = source(collect(resources, output), read_strings(resources / "strings.txt"))
+    make_text_names(resources, output)
+    text = source(collect(resources, output), read_strings(resources / "strings.txt")[0])
     (output / "resources.cpp").write_text(text, encoding="ascii", newline="\n")
 
 

@@ -1,4 +1,4 @@
-"""Makes everything that the program embeds, ending with resources.cpp: make_resources.py OUTPUT_FOLDER"""
+"""Makes everything that the program embeds and the headers that name it: make_resources.py OUTPUT_FOLDER"""
 
 import sys
 from pathlib import Path
@@ -9,6 +9,7 @@ import embed_resources  # noqa: E402
 import make_cursors  # noqa: E402
 import make_icons  # noqa: E402
 import make_interface_bitmap  # noqa: E402
+import make_menus  # noqa: E402
 import make_sounds  # noqa: E402
 
 
@@ -22,7 +23,7 @@ def main(arguments):
     for pattern in embed_resources.NUMBERED_FILES:  # what an earlier build made and this one might not
         for stale in output.glob(pattern):
             stale.unlink()
-    for generator in (make_interface_bitmap, make_cursors, make_icons, make_sounds, embed_resources):
+    for generator in (make_interface_bitmap, make_cursors, make_icons, make_sounds, make_menus, embed_resources):
         try:
             generator.make(resources, output)
         except (OSError, ValueError) as error:

@@ -20,6 +20,10 @@ from journey import EDIT_MENU, FILE_MENU, HELP_MENU, TITLE, VIEW_MENU, Journey  
 from support import model  # noqa: E402
 from support import mapfiles  # noqa: E402
 from support.mapfiles import new_map_data, read_bitmap, write_map  # noqa: E402
+from support.palettes import (  # noqa: E402
+    COSTS, DOT_BRUSH, FEATURES, FRAME_BRUSH, GREEN_GRID, MOVE_COSTS, NO_GO_2, PURPLE_GRID, RED_GRID, REMOVE_FEATURES,
+    ROAD, ROUGH_TOWNS, SHOW_ALL, SOLID_BRUSH, SOLID_GRID, WOODS, ZERO_COSTS,
+)
 from support.screen import wait_until  # noqa: E402
 
 # The file dialog shows this folder, so it is the same on every machine.
@@ -30,15 +34,6 @@ FONT = "/usr/share/fonts/truetype/liberation/LiberationSans-Bold.ttf"
 CAPTION_FONT = "/usr/share/fonts/truetype/liberation/LiberationSans-Regular.ttf"
 SCREEN = (1280, 1024)
 
-FEATURES_SIZE, COSTS_SIZE = (300, 255), (285, 210)
-HI_LOW, WOODS, TOWN, ROAD = (19, 48), (19, 64), (19, 80), (19, 96)
-NO_GO_1, NO_GO_2, NO_GO_3, SHOW_ALL = (19, 147), (19, 163), (19, 179), (197, 147)
-SOLID_GRID, BLACK_GRID, RED_GRID, PURPLE_GRID, GREEN_GRID = [(149, 48 + 16 * i) for i in range(5)]
-REMOVE_FEATURES = (70, 201)
-COSTS = [(19, 50 + 16 * i) for i in range(6)]
-SHOWN_COSTS = [(89, 50 + 16 * i) for i in range(6)]
-SOLID_BRUSH, DOT_BRUSH, FRAME_BRUSH = [(189, 50 + 16 * i) for i in range(3)]
-ZERO_COSTS, ROUGH_TOWNS = (65, 155), (199, 155)
 FEW_COLOURS = ["+dither", "-colors", 256]  # of the large pictures, whose size counts
 PNG = ["-strip", "-define", "png:exclude-chunks=date,time,bKGD,gAMA,cHRM", "-define", "png:compression-level=9"]
 
@@ -296,8 +291,8 @@ def stroke(journey, place, corners, key=None):
 
 def features(journey, gallery, place):
     journey.keys("ctrl+t")
-    palette = journey.wait_window(size=FEATURES_SIZE)
-    palette = drag_palette(journey, palette, 490, 390, FEATURES_SIZE)
+    palette = journey.wait_window(size=FEATURES)
+    palette = drag_palette(journey, palette, 490, 390, FEATURES)
     gallery.window(palette, "Edit > Terrain", "palette-features")
     journey.click_in(palette, *WOODS)
     gallery.map_area(place, 0, 290, 240, 450, "marks-solid")
@@ -345,7 +340,7 @@ def fill_areas(journey, gallery, place, palette):
 
 
 def readme_picture(journey, gallery, place, palette):
-    palette = drag_palette(journey, palette, 60, 345, FEATURES_SIZE)
+    palette = drag_palette(journey, palette, 60, 345, FEATURES)
     journey.click_in(palette, *SOLID_GRID)
     journey.click_in(palette, *PURPLE_GRID)
     stroke(journey, place, [(705, 185), (745, 195), (775, 245)])
@@ -361,9 +356,9 @@ def readme_picture(journey, gallery, place, palette):
 
 def move_costs(journey, gallery, place):
     journey.keys("ctrl+m")
-    palette = journey.wait_window(size=COSTS_SIZE)
-    palette = drag_palette(journey, palette, 490, 375, COSTS_SIZE)
-    for box in COSTS[1:]:
+    palette = journey.wait_window(size=MOVE_COSTS)
+    palette = drag_palette(journey, palette, 490, 375, MOVE_COSTS)
+    for box in list(COSTS.values())[1:]:
         journey.click_in(palette, *box)
     journey.click_in(palette, *COSTS[0])
     gallery.window(palette, "Edit > Move Cost", "palette-move-cost")

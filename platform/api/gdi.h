@@ -10,16 +10,10 @@
 // ---- objects ----
 
 #define OBJ_PEN 1
-#define OBJ_BRUSH 2
 #define OBJ_PAL 5
 #define OBJ_FONT 6
-#define OBJ_BITMAP 7
 #define CLR_INVALID 0xFFFFFFFF
 
-#define WHITE_BRUSH 0
-#define BLACK_BRUSH 4
-#define NULL_BRUSH 5
-#define WHITE_PEN 6
 #define BLACK_PEN 7
 #define SYSTEM_FONT 13
 #define DEFAULT_PALETTE 15
@@ -27,7 +21,8 @@
 #define PS_SOLID 0
 
 HGDIOBJ WINAPI GetStockObject(int which);
-// Selecting returns the object displaced. A bitmap can be selected only into a memory device context.
+// Selecting returns the object displaced: a pen, a font or a bitmap, the last only in a memory device context. A
+// brush is given to each call that fills.
 HGDIOBJ WINAPI SelectObject(HDC dc, HGDIOBJ object);
 HGDIOBJ WINAPI GetCurrentObject(HDC dc, UINT type);
 // Stock objects are left alone; so is an object that is selected into a device context (FALSE).
@@ -46,16 +41,12 @@ int WINAPI ReleaseDC(HWND window, HDC dc);
 BOOL WINAPI GdiFlush();
 
 BOOL WINAPI OffsetWindowOrgEx(HDC dc, int dx, int dy, LPPOINT previous);
-BOOL WINAPI SetWindowOrgEx(HDC dc, int x, int y, LPPOINT previous);
-BOOL WINAPI GetWindowOrgEx(HDC dc, LPPOINT origin);
 BOOL WINAPI LPtoDP(HDC dc, LPPOINT points, int count);
 BOOL WINAPI DPtoLP(HDC dc, LPPOINT points, int count);
 
-#define R2_BLACK 1
 #define R2_NOT 6
 #define R2_COPYPEN 13
 int WINAPI SetROP2(HDC dc, int mode);
-int WINAPI GetROP2(HDC dc);
 
 // ---- lines and fills ----
 
@@ -65,8 +56,7 @@ BOOL WINAPI MoveToEx(HDC dc, int x, int y, LPPOINT previous);
 BOOL WINAPI LineTo(HDC dc, int x, int y);
 int WINAPI FillRect(HDC dc, const RECT* rect, HBRUSH brush);
 int WINAPI FrameRect(HDC dc, const RECT* rect, HBRUSH brush);
-COLORREF WINAPI SetPixel(HDC dc, int x, int y, COLORREF colour);
-COLORREF WINAPI GetPixel(HDC dc, int x, int y);
+COLORREF WINAPI GetPixel(HDC dc, int x, int y); // how tests look at a picture; the program never does
 
 // ---- bitmaps ----
 
@@ -149,14 +139,12 @@ typedef struct tagLOGPALETTE {
 HPALETTE WINAPI CreatePalette(const LOGPALETTE* palette);
 HPALETTE WINAPI SelectPalette(HDC dc, HPALETTE palette, BOOL background);
 UINT WINAPI RealizePalette(HDC dc);
-UINT WINAPI GetPaletteEntries(HPALETTE palette, UINT start, UINT count, PALETTEENTRY* entries);
 
 // ---- regions ----
 
 #define RGN_COPY 5
 #define NULLREGION 1
 #define SIMPLEREGION 2
-#define COMPLEXREGION 3
 
 HRGN WINAPI CreateRectRgn(int left, int top, int right, int bottom);
 int WINAPI CombineRgn(HRGN destination, HRGN first, HRGN second, int mode);
@@ -165,7 +153,6 @@ BOOL WINAPI PtInRegion(HRGN region, int x, int y);
 // ---- text ----
 
 #define LF_FACESIZE 32
-#define FW_NORMAL 400
 #define FW_MEDIUM 500
 #define FW_BOLD 700
 #define ANSI_CHARSET 0
@@ -188,17 +175,6 @@ typedef struct tagLOGFONTA {
     CHAR lfFaceName[LF_FACESIZE];
 } LOGFONTA;
 
-typedef struct tagTEXTMETRICA {
-    LONG tmHeight;
-    LONG tmAscent;
-    LONG tmDescent;
-    LONG tmInternalLeading;
-    LONG tmExternalLeading;
-    LONG tmAveCharWidth;
-    LONG tmMaxCharWidth;
-    LONG tmWeight;
-} TEXTMETRICA;
-
 #define TA_NOUPDATECP 0
 #define TA_LEFT 0
 #define TA_TOP 0
@@ -210,7 +186,6 @@ typedef struct tagTEXTMETRICA {
 #define DT_CENTER 0x0001
 #define DT_RIGHT 0x0002
 #define DT_WORDBREAK 0x0010
-#define DT_NOCLIP 0x0100
 #define DT_CALCRECT 0x0400
 #define DT_NOPREFIX 0x0800
 
@@ -222,12 +197,9 @@ COLORREF WINAPI GetTextColor(HDC dc);
 COLORREF WINAPI SetBkColor(HDC dc, COLORREF colour);
 COLORREF WINAPI GetBkColor(HDC dc);
 int WINAPI SetBkMode(HDC dc, int mode);
-int WINAPI GetBkMode(HDC dc);
 UINT WINAPI SetTextAlign(HDC dc, UINT align);
-UINT WINAPI GetTextAlign(HDC dc);
 BOOL WINAPI TextOutA(HDC dc, int x, int y, LPCSTR text, int length);
 BOOL WINAPI GetTextExtentPoint32A(HDC dc, LPCSTR text, int length, LPSIZE size);
-BOOL WINAPI GetTextMetricsA(HDC dc, TEXTMETRICA* metrics);
 // length -1 for a zero-terminated text. Returns the text's height. Lines break at blanks and at line feeds, and
-// inside a word that is wider than the rectangle.
+// inside a word that is wider than the rectangle. Only with DT_NOPREFIX: an '&' is drawn as it stands.
 int WINAPI DrawTextA(HDC dc, LPCSTR text, int length, LPRECT rect, UINT format);

@@ -1,4 +1,4 @@
-// Files, memory blocks, resources, ticks (KERNEL32).
+// Files, folders, memory blocks, resources, ticks and dates (KERNEL32).
 //
 // Paths are UTF-8 and use the separator '/'. Where the exact file is not there, every call matches the last component
 // of the path without regard to ASCII and Latin-1 letter case, as a Windows file system would. Paths of MAX_PATH
@@ -14,12 +14,12 @@
 #define FILE_ATTRIBUTE_DIRECTORY 0x00000010
 #define FILE_ATTRIBUTE_NORMAL 0x00000080
 
+#define INVALID_HANDLE_VALUE ((HANDLE)(LONG_PTR)-1)
+
 #define OF_READ 0x0000
-#define OF_WRITE 0x0001
 #define OF_READWRITE 0x0002
+#define OF_SHARE_EXCLUSIVE 0x0010
 #define FILE_BEGIN 0
-#define FILE_CURRENT 1
-#define FILE_END 2
 
 #define ERROR_SUCCESS 0
 #define ERROR_FILE_NOT_FOUND 2
@@ -28,11 +28,12 @@
 #define ERROR_ACCESS_DENIED 5
 #define ERROR_INVALID_HANDLE 6
 #define ERROR_NOT_ENOUGH_MEMORY 8
+#define ERROR_NO_MORE_FILES 18
 #define ERROR_WRITE_FAULT 29
 #define ERROR_READ_FAULT 30
 #define ERROR_GEN_FAILURE 31
 #define ERROR_SHARING_VIOLATION 32
-#define ERROR_FILE_EXISTS 80
+#define ERROR_INVALID_PARAMETER 87
 #define ERROR_DISK_FULL 112
 #define ERROR_NEGATIVE_SEEK 131
 #define ERROR_ALREADY_EXISTS 183
@@ -46,7 +47,10 @@
 DWORD WINAPI GetLastError();
 void WINAPI SetLastError(DWORD code);
 
-// Opens an existing file with OF_READ, OF_WRITE or OF_READWRITE; a folder cannot be opened. HFILE_ERROR on failure.
+// Opens an existing file with OF_READ or OF_READWRITE; a folder cannot be opened. HFILE_ERROR on failure.
+// With OF_SHARE_EXCLUSIVE it fails with ERROR_SHARING_VIOLATION while another handle of any process holds the file
+// so; the hold ends with the handle, at the latest with the process. Departs from Windows: only exclusive opens
+// exclude each other, an open without that flag succeeds, and so do renaming and deleting.
 HFILE WINAPI _lopen(LPCSTR path, int mode);
 // Creates a file for reading and writing, or empties the one that is there. The attributes argument must be 0
 // (normal).
@@ -59,14 +63,17 @@ UINT WINAPI _lread(HFILE file, LPVOID buffer, UINT count);
 UINT WINAPI _lwrite(HFILE file, LPCSTR buffer, UINT count);
 // Closes the file. Returns 0, or HFILE_ERROR when gathered writes failed or the handle is none.
 HFILE WINAPI _lclose(HFILE file);
-// Only FILE_BEGIN, FILE_CURRENT and FILE_END; the high word pointer may be null. The handle is an HFILE cast to
-// HANDLE.
-DWORD WINAPI SetFilePointer(HANDLE file, LONG offset, PLONG offsetHigh, DWORD method);
+// Only FILE_BEGIN, and no high word. The handle is an HFILE cast to HANDLE.
+DWORD WINAPI SetFilePointer(HANDLE file, LONG offset, LONG* offsetHigh, DWORD method);
 // Writes what the handle holds back, then syncs the file and the folder that holds it. FALSE when any of it failed.
 BOOL WINAPI FlushFileBuffers(HANDLE file);
 BOOL WINAPI DeleteFileA(LPCSTR path);
 // Renames; fails with ERROR_ALREADY_EXISTS when the target exists.
 BOOL WINAPI MoveFileA(LPCSTR from, LPCSTR to);
+// With MOVEFILE_REPLACE_EXISTING a file at the target is replaced in one step: whoever looks finds the old or the new
+// one. ERROR_ACCESS_DENIED where the target is a folder or read-only. With flags 0 as MoveFileA; no other flag.
+#define MOVEFILE_REPLACE_EXISTING 0x00000001
+BOOL WINAPI MoveFileExA(LPCSTR from, LPCSTR to, DWORD flags);
 DWORD WINAPI GetFileAttributesA(LPCSTR path);
 // Returns the length without the zero byte, or the size needed when the buffer is too small.
 DWORD WINAPI GetCurrentDirectoryA(DWORD size, LPSTR buffer);
@@ -77,6 +84,44 @@ HMODULE WINAPI GetModuleHandleA(LPCSTR name);
 // Splits a path; the drive is always empty here, the folder ends with '/', the extension begins with '.'. Any of the
 // buffers may be null; each holds at most its _MAX_ size, longer parts are left empty.
 void _splitpath(const char* path, char* drive, char* folder, char* name, char* extension);
+
+typedef struct _SECURITY_ATTRIBUTES {
+    DWORD nLength;
+    LPVOID lpSecurityDescriptor;
+    BOOL bInheritHandle;
+} SECURITY_ATTRIBUTES, *LPSECURITY_ATTRIBUTES;
+
+// Makes one folder. attributes must be null. Departs from Windows, where the rights are those of the folder around
+// it: the new folder is open to the user alone, as everything in a user's profile is there.
+BOOL WINAPI CreateDirectoryA(LPCSTR path, LPSECURITY_ATTRIBUTES attributes);
+
+typedef struct _FILETIME { // units of 100 nanoseconds since the begin of 1601, UTC
+    DWORD dwLowDateTime;
+    DWORD dwHighDateTime;
+} FILETIME, *LPFILETIME;
+
+typedef struct _WIN32_FIND_DATAA {
+    DWORD dwFileAttributes;
+    FILETIME ftCreationTime; // 0, unknown
+    FILETIME ftLastAccessTime;
+    FILETIME ftLastWriteTime;
+    DWORD nFileSizeHigh;
+    DWORD nFileSizeLow;
+    DWORD dwReserved0;
+    DWORD dwReserved1;
+    CHAR cFileName[MAX_PATH];
+    CHAR cAlternateFileName[14]; // empty
+} WIN32_FIND_DATAA, *LPWIN32_FIND_DATAA;
+
+// The files and folders whose names match the last component of the path, in no particular order: '*' stands for any
+// characters or none, '?' for one. Without either it describes that one file. INVALID_HANDLE_VALUE on failure,
+// ERROR_FILE_NOT_FOUND when nothing matches; at the end FindNextFileA fails with ERROR_NO_MORE_FILES, with another
+// error where the folder cannot be read on. 16 searches at a time; each needs its FindClose.
+// Departs from Windows: "." and ".." are left out, "*.*" asks for a dot, there are no short names. Links are
+// followed; what a pattern finds but cannot be looked at, such as a link to nothing, is left out.
+HANDLE WINAPI FindFirstFileA(LPCSTR path, LPWIN32_FIND_DATAA data);
+BOOL WINAPI FindNextFileA(HANDLE search, LPWIN32_FIND_DATAA data);
+BOOL WINAPI FindClose(HANDLE search);
 
 #define GMEM_MOVEABLE 0x0002
 #define GMEM_ZEROINIT 0x0040
@@ -93,7 +138,6 @@ HGLOBAL WINAPI GlobalFree(HGLOBAL block);
 #define RT_BITMAP MAKEINTRESOURCEA(2)
 #define RT_ICON MAKEINTRESOURCEA(3)
 #define RT_MENU MAKEINTRESOURCEA(4)
-#define RT_STRING MAKEINTRESOURCEA(6)
 
 // Resources are embedded in the program; the data stay readable as long as it runs and need no release.
 HRSRC WINAPI FindResourceA(HMODULE module, LPCSTR name, LPCSTR type);
@@ -103,5 +147,22 @@ DWORD WINAPI SizeofResource(HMODULE module, HRSRC resource);
 BOOL WINAPI FreeResource(HGLOBAL data);
 
 DWORD WINAPI GetTickCount();
+DWORD WINAPI GetCurrentProcessId();
+
+typedef struct _SYSTEMTIME {
+    WORD wYear;
+    WORD wMonth;     // from 1
+    WORD wDayOfWeek; // 0 is Sunday
+    WORD wDay;       // from 1
+    WORD wHour;
+    WORD wMinute;
+    WORD wSecond;
+    WORD wMilliseconds;
+} SYSTEMTIME, *LPSYSTEMTIME;
+
+void WINAPI GetLocalTime(LPSYSTEMTIME time);
+// Shifts by what the local clock differs from UTC now, daylight saving time included, whatever it was at that time.
+BOOL WINAPI FileTimeToLocalFileTime(const FILETIME* time, LPFILETIME local);
+BOOL WINAPI FileTimeToSystemTime(const FILETIME* time, LPSYSTEMTIME parts);
 // One line on standard error (on Windows it goes to the debugger).
 void WINAPI OutputDebugStringA(LPCSTR text);

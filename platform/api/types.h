@@ -8,10 +8,8 @@ typedef uint8_t BYTE;
 typedef uint16_t WORD;
 typedef uint32_t DWORD;
 typedef int16_t SHORT;
-typedef uint16_t USHORT;
 typedef int32_t LONG;
 typedef uint32_t ULONG;
-typedef int INT;
 typedef unsigned int UINT;
 typedef int BOOL;
 typedef char CHAR;
@@ -19,20 +17,17 @@ typedef CHAR* LPSTR;
 typedef const CHAR* LPCSTR;
 typedef void* LPVOID;
 typedef const void* LPCVOID;
-typedef BYTE* LPBYTE;
-typedef DWORD* LPDWORD;
-typedef LONG* PLONG;
 typedef uintptr_t WPARAM;
 typedef intptr_t LPARAM;
 typedef intptr_t LRESULT;
 typedef intptr_t LONG_PTR;
 typedef uintptr_t ULONG_PTR;
 typedef uintptr_t UINT_PTR;
-typedef intptr_t INT_PTR;
 typedef size_t SIZE_T;
 typedef WORD ATOM;
 typedef DWORD COLORREF;
 typedef int HFILE;
+typedef LONG HRESULT;
 
 typedef void* HANDLE;
 typedef HANDLE HGLOBAL;
@@ -55,7 +50,6 @@ typedef struct HRGN__* HRGN;
 
 #define CALLBACK
 #define WINAPI
-#define CONST const
 #define TRUE 1
 #define FALSE 0
 #define MAX_PATH 260

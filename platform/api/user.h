@@ -13,11 +13,12 @@
 #define WM_DESTROY 0x0002
 #define WM_MOVE 0x0003
 #define WM_SIZE 0x0005
-#define WM_ACTIVATE 0x0006
 #define WM_PAINT 0x000F
 #define WM_CLOSE 0x0010
+#define WM_QUERYENDSESSION 0x0011
 #define WM_QUIT 0x0012
 #define WM_ERASEBKGND 0x0014
+#define WM_ENDSESSION 0x0016
 #define WM_ACTIVATEAPP 0x001C
 #define WM_GETMINMAXINFO 0x0024
 #define WM_WINDOWPOSCHANGED 0x0047
@@ -47,6 +48,13 @@ typedef struct tagMSG {
     DWORD time;
     POINT pt;
 } MSG, *LPMSG;
+
+// The second parameter of WM_QUERYENDSESSION and WM_ENDSESSION, the only one given here. SIGTERM, SIGHUP, SIGINT and
+// a lost display end the session: every top-level window gets the first message, then, whatever they answered, every
+// one the second with TRUE. They come before all that is queued, as soon as the program takes or looks for a message,
+// with any filter. From then on the pointer's buttons are up and file dialogs are cancelled. Departs from Windows,
+// which ends the process when the second message was handled: here the program goes on and has to end by itself.
+#define ENDSESSION_CRITICAL 0x40000000
 
 #define PM_NOREMOVE 0x0000
 #define PM_REMOVE 0x0001
@@ -128,7 +136,6 @@ HWND WINAPI CreateWindowExA(DWORD extendedStyle, LPCSTR className, LPCSTR title,
                             int height, HWND parent, HMENU menuOrId, HINSTANCE instance, LPVOID parameter);
 BOOL WINAPI DestroyWindow(HWND window);
 BOOL WINAPI IsWindow(HWND window);
-BOOL WINAPI IsWindowVisible(HWND window);
 BOOL WINAPI SetWindowTextA(HWND window, LPCSTR text);
 int WINAPI GetWindowTextA(HWND window, LPSTR buffer, int size);
 LONG_PTR WINAPI GetWindowLongPtrA(HWND window, int index); // index: byte offset into the class's extra window bytes
@@ -186,14 +193,12 @@ BOOL WINAPI AdjustWindowRect(LPRECT rect, DWORD style, BOOL menu);
 BOOL WINAPI GetClientRect(HWND window, LPRECT rect);
 BOOL WINAPI GetWindowRect(HWND window, LPRECT rect);
 BOOL WINAPI ClientToScreen(HWND window, LPPOINT point);
-BOOL WINAPI ScreenToClient(HWND window, LPPOINT point);
 int WINAPI MapWindowPoints(HWND from, HWND to, LPPOINT points, UINT count);
 // The program's own windows only: the topmost one that is shown and is no child, or none.
 HWND WINAPI GetTopWindow(HWND parent);
 HWND WINAPI GetForegroundWindow();
 HWND WINAPI SetCapture(HWND window);
 BOOL WINAPI ReleaseCapture();
-HWND WINAPI GetCapture();
 
 #define SM_CXSCREEN 0
 #define SM_CYSCREEN 1
@@ -216,19 +221,13 @@ HDC WINAPI BeginPaint(HWND window, PAINTSTRUCT* paint);
 BOOL WINAPI EndPaint(HWND window, const PAINTSTRUCT* paint);
 BOOL WINAPI InvalidateRect(HWND window, const RECT* rect, BOOL erase); // client coordinates; null for the whole area
 BOOL WINAPI ValidateRect(HWND window, const RECT* rect);
-BOOL WINAPI GetUpdateRect(HWND window, LPRECT rect, BOOL erase);
 BOOL WINAPI UpdateWindow(HWND window);
 
 // ---- rectangles ----
 
-BOOL WINAPI SetRect(LPRECT rect, int left, int top, int right, int bottom);
-BOOL WINAPI SetRectEmpty(LPRECT rect);
 BOOL WINAPI OffsetRect(LPRECT rect, int dx, int dy);
 BOOL WINAPI InflateRect(LPRECT rect, int dx, int dy);
-BOOL WINAPI IntersectRect(LPRECT result, const RECT* first, const RECT* second);
-BOOL WINAPI UnionRect(LPRECT result, const RECT* first, const RECT* second);
 BOOL WINAPI EqualRect(const RECT* first, const RECT* second);
-BOOL WINAPI IsRectEmpty(const RECT* rect);
 BOOL WINAPI PtInRect(const RECT* rect, POINT point);
 
 // ---- menus ----
@@ -246,20 +245,17 @@ BOOL WINAPI PtInRect(const RECT* rect, POINT point);
 
 HMENU WINAPI GetMenu(HWND window);
 HMENU WINAPI GetSubMenu(HMENU menu, int position);
-int WINAPI GetMenuItemCount(HMENU menu);
+int WINAPI GetMenuItemCount(HMENU menu); // separators included; -1 for none
 // (UINT)-1 when there is no such item. For a title in the bar the low byte holds the flags.
 UINT WINAPI GetMenuState(HMENU menu, UINT item, UINT flags);
 BOOL WINAPI EnableMenuItem(HMENU menu, UINT item, UINT flags);
 DWORD WINAPI CheckMenuItem(HMENU menu, UINT item, UINT flags);
 BOOL WINAPI HiliteMenuItem(HWND window, HMENU menu, UINT item, UINT flags);
-int WINAPI GetMenuStringA(HMENU menu, UINT item, LPSTR buffer, int size, UINT flags);
 BOOL WINAPI DrawMenuBar(HWND window);
 HACCEL WINAPI LoadAcceleratorsA(HINSTANCE instance, LPCSTR name);
 
 // ---- scroll bars ----
 
-#define SB_HORZ 0
-#define SB_VERT 1
 #define SB_CTL 2
 #define SB_LINEUP 0
 #define SB_LINELEFT 0
@@ -272,12 +268,10 @@ HACCEL WINAPI LoadAcceleratorsA(HINSTANCE instance, LPCSTR name);
 #define SB_THUMBPOSITION 4
 #define SB_THUMBTRACK 5
 #define SB_TOP 6
-#define SB_BOTTOM 7
 #define SB_ENDSCROLL 8
 #define SIF_RANGE 0x0001
 #define SIF_PAGE 0x0002
 #define SIF_POS 0x0004
-#define SIF_TRACKPOS 0x0010
 #define SIF_ALL 0x0017
 
 typedef struct tagSCROLLINFO {
@@ -324,19 +318,14 @@ HANDLE WINAPI LoadImageA(HINSTANCE instance, LPCSTR name, UINT type, int width, 
 #define VK_SHIFT 0x10
 #define VK_CONTROL 0x11
 #define VK_MENU 0x12
-#define VK_PAUSE 0x13
-#define VK_CAPITAL 0x14
 #define VK_ESCAPE 0x1B
 #define VK_SPACE 0x20
-#define VK_PRIOR 0x21
-#define VK_NEXT 0x22
 #define VK_END 0x23
 #define VK_HOME 0x24
 #define VK_LEFT 0x25
 #define VK_UP 0x26
 #define VK_RIGHT 0x27
 #define VK_DOWN 0x28
-#define VK_INSERT 0x2D
 #define VK_DELETE 0x2E
 #define VK_MULTIPLY 0x6A
 #define VK_ADD 0x6B

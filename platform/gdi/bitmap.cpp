@@ -16,13 +16,15 @@ constexpr size_t hugePageSize = 2 << 20;
 // pages is slow on many processors, and blocks of the heap begin some bytes behind one.
 constexpr size_t pageSkew = 1024;
 
-static size_t MappedLength(size_t size)
+namespace {
+
+size_t MappedLength(size_t size)
 {
     const size_t length = size + pageSkew;
     return length < hugeBlockSize ? length : (length + hugePageSize - 1) / hugePageSize * hugePageSize;
 }
 
-static uint8_t* MapPages(size_t length)
+uint8_t* MapPages(size_t length)
 {
     const size_t spare = length < hugeBlockSize ? 0 : hugePageSize;
     void* mapped = mmap(nullptr, length + spare, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -43,6 +45,8 @@ static uint8_t* MapPages(size_t length)
     return bytes;
 }
 
+} // namespace
+
 bool AllocateBlock(PixelBlock* block, size_t size)
 {
     *block = {nullptr, 0};
@@ -50,9 +54,9 @@ bool AllocateBlock(PixelBlock* block, size_t size)
         block->bytes = static_cast<uint8_t*>(calloc(size, 1));
     } else if (size < SIZE_MAX / 2) {
         uint8_t* pages = MapPages(MappedLength(size));
-        block->bytes = pages ? pages + pageSkew : nullptr;
+        block->bytes = pages != nullptr ? pages + pageSkew : nullptr;
     }
-    if (block->bytes) {
+    if (block->bytes != nullptr) {
         block->size = size;
     }
     return block->bytes != nullptr;
@@ -71,7 +75,7 @@ void FreeBlock(PixelBlock* block)
 HBITMAP NewBitmapRecord()
 {
     HBITMAP bitmap = new (std::nothrow) HBITMAP__{};
-    if (bitmap) {
+    if (bitmap != nullptr) {
         bitmap->header = {ObjectType::bitmap, 0, false};
     }
     return bitmap;
@@ -94,7 +98,7 @@ HBITMAP NewNativeBitmap(int width, int height)
         return nullptr;
     }
     HBITMAP bitmap = NewBitmapRecord();
-    if (!bitmap) {
+    if (bitmap == nullptr) {
         return nullptr;
     }
     if (!AllocateBlock(&bitmap->block, columns * rows * sizeof(uint32_t))) {
@@ -111,13 +115,14 @@ HBITMAP NewNativeBitmap(int width, int height)
 
 HBITMAP WINAPI CreateCompatibleBitmap(HDC dc, int width, int height)
 {
-    return dc ? NewNativeBitmap(width, height) : nullptr;
+    return dc != nullptr ? NewNativeBitmap(width, height) : nullptr;
 }
 
 HBITMAP WINAPI CreateDIBitmap(HDC dc, const BITMAPINFOHEADER* header, DWORD flags, const void* bits,
                               const BITMAPINFO* info, UINT usage)
 {
-    if (!dc || !header || !bits || !info || flags != CBM_INIT || usage != DIB_RGB_COLORS) {
+    if ((dc == nullptr) || (header == nullptr) || (bits == nullptr) || (info == nullptr) || flags != CBM_INIT ||
+        usage != DIB_RGB_COLORS) {
         return nullptr;
     }
     int depth = header->biBitCount;
@@ -147,7 +152,7 @@ int WINAPI GetObjectA(HANDLE object, int size, LPVOID record)
     if (!IsObject(object, ObjectType::bitmap)) {
         return 0;
     }
-    if (!record) {
+    if (record == nullptr) {
         return sizeof(BITMAP);
     }
     if (size < static_cast<int>(sizeof(BITMAP))) {

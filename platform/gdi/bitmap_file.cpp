@@ -21,18 +21,20 @@ struct FileHead {
     uint32_t headerSize;
 };
 
-static uint32_t Word16(const uint8_t* bytes)
+namespace {
+
+uint32_t Word16(const uint8_t* bytes)
 {
     return static_cast<uint32_t>(bytes[0]) | static_cast<uint32_t>(bytes[1]) << 8;
 }
 
-static uint32_t Word32(const uint8_t* bytes)
+uint32_t Word32(const uint8_t* bytes)
 {
     return Word16(bytes) | Word16(bytes + 2) << 16;
 }
 
 // A field of the information header; short headers leave their last fields out, which are 0 then.
-static uint32_t HeaderField(const FileHead& head, uint32_t offset, uint32_t width)
+uint32_t HeaderField(const FileHead& head, uint32_t offset, uint32_t width)
 {
     if (offset + width > head.headerSize) {
         return 0;
@@ -41,7 +43,7 @@ static uint32_t HeaderField(const FileHead& head, uint32_t offset, uint32_t widt
     return width == 2 ? Word16(field) : Word32(field);
 }
 
-static bool ReadShape(const FileHead& head, DibLayout* layout)
+bool ReadShape(const FileHead& head, DibLayout* layout)
 {
     const bool core = head.headerSize == 12;
     int64_t width = HeaderField(head, 4, 2);
@@ -67,7 +69,7 @@ static bool ReadShape(const FileHead& head, DibLayout* layout)
 }
 
 // The masks of 16 and 32 bits a pixel. *headersEnd moves past masks that follow the header.
-static bool ReadMasks(const FileHead& head, uint32_t compression, DibLayout* layout, uint64_t* headersEnd)
+bool ReadMasks(const FileHead& head, uint32_t compression, DibLayout* layout, uint64_t* headersEnd)
 {
     if (compression == BI_RGB) {
         const uint32_t masks16[3] = {0x7C00, 0x03E0, 0x001F};
@@ -96,7 +98,7 @@ static bool ReadMasks(const FileHead& head, uint32_t compression, DibLayout* lay
 }
 
 // Fills the layout and finds where the pixels begin and, for uncompressed ones, end.
-static bool ReadHead(FileHead head, DibLayout* layout, uint64_t* pixelsBegin, uint64_t* pixelsEnd)
+bool ReadHead(FileHead head, DibLayout* layout, uint64_t* pixelsBegin, uint64_t* pixelsEnd)
 {
     if (head.fileSize < fileHeaderSize + 12 || head.bytes[0] != 'B' || head.bytes[1] != 'M') {
         return false;
@@ -156,11 +158,13 @@ static bool ReadHead(FileHead head, DibLayout* layout, uint64_t* pixelsBegin, ui
     return *pixelsEnd <= head.fileSize;
 }
 
+} // namespace
+
 HBITMAP BitmapFromFileBytes(const uint8_t* bytes, size_t size)
 {
     DibLayout layout = {};
     uint64_t begin, end;
-    if (!bytes || !ReadHead({bytes, size, 0}, &layout, &begin, &end)) {
+    if ((bytes == nullptr) || !ReadHead({bytes, size, 0}, &layout, &begin, &end)) {
         return nullptr;
     }
     return BitmapFromDib(layout, bytes + begin, static_cast<size_t>(end - begin), nullptr);
@@ -168,7 +172,9 @@ HBITMAP BitmapFromFileBytes(const uint8_t* bytes, size_t size)
 
 // ---- from a path ----
 
-static bool ReadAt(int file, uint64_t offset, uint8_t* bytes, size_t size)
+namespace {
+
+bool ReadAt(int file, uint64_t offset, uint8_t* bytes, size_t size)
 {
     size_t done = 0;
     while (done < size) {
@@ -182,7 +188,7 @@ static bool ReadAt(int file, uint64_t offset, uint8_t* bytes, size_t size)
     return true;
 }
 
-static HBITMAP BitmapFromOpenFile(int file)
+HBITMAP BitmapFromOpenFile(int file)
 {
     struct stat status;
     if (systemCalls.statOpen(file, &status) != 0 || !S_ISREG(status.st_mode)) {
@@ -215,10 +221,12 @@ static HBITMAP BitmapFromOpenFile(int file)
     return bitmap;
 }
 
+} // namespace
+
 HBITMAP BitmapFromFile(const char* path)
 {
     char resolved[4096];
-    if (!path || !ResolvePath(path, resolved, sizeof resolved)) {
+    if ((path == nullptr) || !ResolvePath(path, resolved, sizeof resolved)) {
         return nullptr;
     }
     // Without O_NONBLOCK opening a named pipe would wait for its other end.

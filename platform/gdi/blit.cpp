@@ -5,10 +5,12 @@
 
 static_assert(std::endian::native == std::endian::little, "rows of 24 bits are read as little-endian words");
 
+namespace {
+
 // Copies in short pieces. For long ones the C library may use the processor's string move, which some processors run
 // eight times slower where the addresses differ by a few bytes beyond whole pages, as a block of the heap and one of
 // whole pages do.
-static void CopyPixels(uint32_t* destination, const uint8_t* source, int count)
+void CopyPixels(uint32_t* destination, const uint8_t* source, int count)
 {
     constexpr int longestPiece = 480; // below the length from which the C library changes its method
     while (count > 0) {
@@ -19,6 +21,8 @@ static void CopyPixels(uint32_t* destination, const uint8_t* source, int count)
         count -= piece;
     }
 }
+
+} // namespace
 
 void ConvertRow(uint32_t* destination, const PixelRows& source, int x, int y, int count)
 {
@@ -42,8 +46,10 @@ void ConvertRow(uint32_t* destination, const PixelRows& source, int x, int y, in
     }
 }
 
+namespace {
+
 // Copies within one surface, where source and destination may overlap.
-static void MoveRows(Surface* surface, const RECT& part, int shiftX, int shiftY)
+void MoveRows(Surface* surface, const RECT& part, int shiftX, int shiftY)
 {
     size_t bytes = static_cast<size_t>(part.right - part.left) * sizeof(uint32_t);
     int rows = part.bottom - part.top;
@@ -55,12 +61,12 @@ static void MoveRows(Surface* surface, const RECT& part, int shiftX, int shiftY)
 }
 
 // With several clip rectangles one part could overwrite another's source, so the source is set aside first.
-static void MoveThroughCopy(HDC dc, Surface* surface, const RECT& area, int shiftX, int shiftY)
+void MoveThroughCopy(HDC dc, Surface* surface, const RECT& area, int shiftX, int shiftY)
 {
     int width = area.right - area.left;
     int height = area.bottom - area.top;
     HBITMAP copy = NewNativeBitmap(width, height);
-    if (!copy) {
+    if (copy == nullptr) {
         return;
     }
     for (int y = 0; y < height; ++y) {
@@ -76,15 +82,17 @@ static void MoveThroughCopy(HDC dc, Surface* surface, const RECT& area, int shif
     FreeBitmap(copy);
 }
 
+} // namespace
+
 BOOL WINAPI BitBlt(HDC destination, int x, int y, int width, int height, HDC source, int sourceX, int sourceY,
                    DWORD operation)
 {
-    if (!destination || !source || operation != SRCCOPY) {
+    if ((destination == nullptr) || (source == nullptr) || operation != SRCCOPY) {
         return FALSE;
     }
     Surface* surface = DrawingSurface(destination);
     PixelRows rows;
-    if (!surface || !SourceRows(source, &rows)) {
+    if ((surface == nullptr) || !SourceRows(source, &rows)) {
         return TRUE;
     }
 

@@ -4,10 +4,12 @@
 #include <new>
 #include <utility>
 
-static HDC NewDeviceContext(DeviceKind kind)
+namespace {
+
+HDC NewDeviceContext(DeviceKind kind)
 {
     HDC dc = new (std::nothrow) HDC__{};
-    if (!dc) {
+    if (dc == nullptr) {
         return nullptr;
     }
     dc->kind = kind;
@@ -17,24 +19,24 @@ static HDC NewDeviceContext(DeviceKind kind)
     dc->rasterMode = R2_COPYPEN;
     dc->textAlign = TA_LEFT | TA_TOP;
     dc->pen = static_cast<HPEN>(GetStockObject(BLACK_PEN));
-    dc->brush = static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH));
     dc->font = static_cast<HFONT>(GetStockObject(SYSTEM_FONT));
     dc->palette = static_cast<HPALETTE>(GetStockObject(DEFAULT_PALETTE));
     dc->bitmap = kind == DeviceKind::memory ? DefaultBitmap() : nullptr;
     return dc;
 }
 
-static void FreeDeviceContext(HDC dc)
+void FreeDeviceContext(HDC dc)
 {
     CountSelection(&dc->pen->header, -1);
-    CountSelection(&dc->brush->header, -1);
     CountSelection(&dc->font->header, -1);
     CountSelection(&dc->palette->header, -1);
-    if (dc->bitmap) {
+    if (dc->bitmap != nullptr) {
         CountSelection(&dc->bitmap->header, -1);
     }
     delete dc;
 }
+
+} // namespace
 
 HDC WINAPI CreateCompatibleDC(HDC)
 {
@@ -43,7 +45,7 @@ HDC WINAPI CreateCompatibleDC(HDC)
 
 BOOL WINAPI DeleteDC(HDC dc)
 {
-    if (!dc || dc->kind != DeviceKind::memory) {
+    if ((dc == nullptr) || dc->kind != DeviceKind::memory) {
         return FALSE;
     }
     FreeDeviceContext(dc);
@@ -53,22 +55,15 @@ BOOL WINAPI DeleteDC(HDC dc)
 HDC CreateSurfaceDC(Surface* surface)
 {
     HDC dc = NewDeviceContext(DeviceKind::surface);
-    if (dc) {
+    if (dc != nullptr) {
         dc->surface = surface;
     }
     return dc;
 }
 
-void SetSurfaceOfDC(HDC dc, Surface* surface)
-{
-    if (dc && dc->kind == DeviceKind::surface) {
-        dc->surface = surface;
-    }
-}
-
 void DeleteSurfaceDC(HDC dc)
 {
-    if (dc && dc->kind != DeviceKind::memory) {
+    if ((dc != nullptr) && dc->kind != DeviceKind::memory) {
         FreeDeviceContext(dc);
     }
 }
@@ -76,14 +71,16 @@ void DeleteSurfaceDC(HDC dc)
 HDC CreateScreenDC(ScreenLine line)
 {
     HDC dc = NewDeviceContext(DeviceKind::screen);
-    if (dc) {
+    if (dc != nullptr) {
         dc->screenLine = line;
     }
     return dc;
 }
 
+namespace {
+
 // Adds what of the rectangle the list does not cover yet, so that no pixel is drawn twice by one call.
-static void AddDisjoint(std::vector<RECT>* list, RECT rect)
+void AddDisjoint(std::vector<RECT>* list, RECT rect)
 {
     std::vector<RECT> pieces = {rect};
     for (const RECT& taken : *list) {
@@ -105,13 +102,15 @@ static void AddDisjoint(std::vector<RECT>* list, RECT rect)
     list->insert(list->end(), pieces.begin(), pieces.end());
 }
 
+} // namespace
+
 void SetClipOfDC(HDC dc, const RECT* rects, int count)
 {
-    if (!dc) {
+    if (dc == nullptr) {
         return;
     }
     std::vector<RECT> clip;
-    for (int index = 0; rects && index < count; ++index) {
+    for (int index = 0; (rects != nullptr) && index < count; ++index) {
         if (HasArea(rects[index])) {
             AddDisjoint(&clip, rects[index]);
         }
@@ -122,18 +121,20 @@ void SetClipOfDC(HDC dc, const RECT* rects, int count)
 
 void ClearClipOfDC(HDC dc)
 {
-    if (!dc) {
+    if (dc == nullptr) {
         return;
     }
     dc->clip.clear();
     dc->clipped = false;
 }
 
+namespace {
+
 // Bitmaps from files keep the depth of the file until something draws into them.
-static bool MakeNative(HBITMAP bitmap)
+bool MakeNative(HBITMAP bitmap)
 {
     HBITMAP native = NewNativeBitmap(bitmap->rows.width, bitmap->rows.height);
-    if (!native) {
+    if (native == nullptr) {
         return false;
     }
     for (int y = 0; y < bitmap->rows.height; ++y) {
@@ -146,19 +147,21 @@ static bool MakeNative(HBITMAP bitmap)
     return true;
 }
 
+} // namespace
+
 Surface* DrawingSurface(HDC dc)
 {
     Surface* surface = dc->surface;
     if (dc->kind == DeviceKind::memory) {
-        if (!dc->bitmap->rows.topRow) {
+        if (dc->bitmap->rows.topRow == nullptr) {
             return nullptr;
         }
-        if (!dc->bitmap->surface.pixels && !MakeNative(dc->bitmap)) {
+        if ((dc->bitmap->surface.pixels == nullptr) && !MakeNative(dc->bitmap)) {
             return nullptr;
         }
         surface = &dc->bitmap->surface;
     }
-    return surface && surface->pixels ? surface : nullptr;
+    return (surface != nullptr) && (surface->pixels != nullptr) ? surface : nullptr;
 }
 
 bool SourceRows(HDC dc, PixelRows* rows)
@@ -167,7 +170,7 @@ bool SourceRows(HDC dc, PixelRows* rows)
         *rows = dc->bitmap->rows;
     } else {
         const Surface* surface = dc->surface;
-        if (!surface) {
+        if (surface == nullptr) {
             return false;
         }
         *rows = {reinterpret_cast<const uint8_t*>(surface->pixels),
@@ -182,45 +185,37 @@ bool SourceRows(HDC dc, PixelRows* rows)
 
 // ---- origin ----
 
-static LONG Sum(LONG first, LONG second)
+namespace {
+
+LONG Sum(LONG first, LONG second)
 {
     return static_cast<LONG>(static_cast<ULONG>(first) + static_cast<ULONG>(second));
 }
 
-static LONG Negative(LONG value)
+LONG Negative(LONG value)
 {
     return static_cast<LONG>(0 - static_cast<ULONG>(value));
 }
 
-BOOL WINAPI SetWindowOrgEx(HDC dc, int x, int y, LPPOINT previous)
-{
-    if (!dc) {
-        return FALSE;
-    }
-    if (previous) {
-        *previous = dc->origin;
-    }
-    dc->origin = {x, y};
-    return TRUE;
-}
+} // namespace
 
 BOOL WINAPI OffsetWindowOrgEx(HDC dc, int dx, int dy, LPPOINT previous)
 {
-    return dc && SetWindowOrgEx(dc, Sum(dc->origin.x, dx), Sum(dc->origin.y, dy), previous);
-}
-
-BOOL WINAPI GetWindowOrgEx(HDC dc, LPPOINT origin)
-{
-    if (!dc || !origin) {
+    if (dc == nullptr) {
         return FALSE;
     }
-    *origin = dc->origin;
+    if (previous != nullptr) {
+        *previous = dc->origin;
+    }
+    dc->origin = {Sum(dc->origin.x, dx), Sum(dc->origin.y, dy)};
     return TRUE;
 }
 
-static BOOL MovePoints(HDC dc, LPPOINT points, int count, LONG dx, LONG dy)
+namespace {
+
+BOOL MovePoints(HDC dc, LPPOINT points, int count, LONG dx, LONG dy)
 {
-    if (!dc || !points || count < 0) {
+    if ((dc == nullptr) || (points == nullptr) || count < 0) {
         return FALSE;
     }
     for (int index = 0; index < count; ++index) {
@@ -229,70 +224,57 @@ static BOOL MovePoints(HDC dc, LPPOINT points, int count, LONG dx, LONG dy)
     return TRUE;
 }
 
+} // namespace
+
 BOOL WINAPI LPtoDP(HDC dc, LPPOINT points, int count)
 {
-    return dc && MovePoints(dc, points, count, Negative(dc->origin.x), Negative(dc->origin.y));
+    return (dc != nullptr) && MovePoints(dc, points, count, Negative(dc->origin.x), Negative(dc->origin.y));
 }
 
 BOOL WINAPI DPtoLP(HDC dc, LPPOINT points, int count)
 {
-    return dc && MovePoints(dc, points, count, dc->origin.x, dc->origin.y);
+    return (dc != nullptr) && MovePoints(dc, points, count, dc->origin.x, dc->origin.y);
 }
 
 // ---- attributes ----
 
 int WINAPI SetROP2(HDC dc, int mode)
 {
-    if (!dc || (mode != R2_BLACK && mode != R2_NOT && mode != R2_COPYPEN)) {
+    if ((dc == nullptr) || (mode != R2_NOT && mode != R2_COPYPEN)) {
         return 0;
     }
     return std::exchange(dc->rasterMode, mode);
 }
 
-int WINAPI GetROP2(HDC dc)
-{
-    return dc ? dc->rasterMode : 0;
-}
-
 COLORREF WINAPI SetTextColor(HDC dc, COLORREF colour)
 {
-    return dc ? std::exchange(dc->textColour, colour) : CLR_INVALID;
+    return dc != nullptr ? std::exchange(dc->textColour, colour) : CLR_INVALID;
 }
 
 COLORREF WINAPI GetTextColor(HDC dc)
 {
-    return dc ? dc->textColour : CLR_INVALID;
+    return dc != nullptr ? dc->textColour : CLR_INVALID;
 }
 
 COLORREF WINAPI SetBkColor(HDC dc, COLORREF colour)
 {
-    return dc ? std::exchange(dc->backColour, colour) : CLR_INVALID;
+    return dc != nullptr ? std::exchange(dc->backColour, colour) : CLR_INVALID;
 }
 
 COLORREF WINAPI GetBkColor(HDC dc)
 {
-    return dc ? dc->backColour : CLR_INVALID;
+    return dc != nullptr ? dc->backColour : CLR_INVALID;
 }
 
 int WINAPI SetBkMode(HDC dc, int mode)
 {
-    if (!dc || (mode != TRANSPARENT && mode != OPAQUE)) {
+    if ((dc == nullptr) || (mode != TRANSPARENT && mode != OPAQUE)) {
         return 0;
     }
     return std::exchange(dc->backMode, mode);
 }
 
-int WINAPI GetBkMode(HDC dc)
-{
-    return dc ? dc->backMode : 0;
-}
-
 UINT WINAPI SetTextAlign(HDC dc, UINT align)
 {
-    return dc ? std::exchange(dc->textAlign, align) : CLR_INVALID;
-}
-
-UINT WINAPI GetTextAlign(HDC dc)
-{
-    return dc ? dc->textAlign : CLR_INVALID;
+    return dc != nullptr ? std::exchange(dc->textAlign, align) : CLR_INVALID;
 }

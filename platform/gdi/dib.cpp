@@ -16,8 +16,10 @@ void ReadColourTable(DibLayout* layout, const uint8_t* table, int count, int ent
     }
 }
 
+namespace {
+
 // The file's rows as they lie in memory.
-static PixelRows RowsInPlace(const DibLayout& layout, const uint8_t* pixels)
+PixelRows RowsInPlace(const DibLayout& layout, const uint8_t* pixels)
 {
     ptrdiff_t stride = static_cast<ptrdiff_t>(DibRowBytes(layout));
     const uint8_t* lastStored = pixels + stride * (layout.height - 1);
@@ -29,20 +31,20 @@ static PixelRows RowsInPlace(const DibLayout& layout, const uint8_t* pixels)
             nullptr};
 }
 
-static void TakeColours(HBITMAP bitmap, const DibLayout& layout)
+void TakeColours(HBITMAP bitmap, const DibLayout& layout)
 {
     std::copy(std::begin(layout.colours), std::end(layout.colours), bitmap->colours);
     bitmap->rows.colours = bitmap->colours;
 }
 
 // 8 and 24 bits stay as they are: a blit converts them, so that loading a large picture copies nothing.
-static HBITMAP KeepRows(const DibLayout& layout, const uint8_t* pixels, PixelBlock* block)
+HBITMAP KeepRows(const DibLayout& layout, const uint8_t* pixels, PixelBlock* block)
 {
     HBITMAP bitmap = NewBitmapRecord();
-    if (!bitmap) {
+    if (bitmap == nullptr) {
         return nullptr;
     }
-    if (block) {
+    if (block != nullptr) {
         std::swap(bitmap->block, *block);
     } else {
         size_t size = DibRowBytes(layout) * static_cast<size_t>(layout.height);
@@ -59,10 +61,10 @@ static HBITMAP KeepRows(const DibLayout& layout, const uint8_t* pixels, PixelBlo
 }
 
 // A bitmap of 8-bit indices, all 0, its rows bottom-up and width bytes apart.
-static HBITMAP NewIndexBitmap(const DibLayout& layout)
+HBITMAP NewIndexBitmap(const DibLayout& layout)
 {
     HBITMAP bitmap = NewBitmapRecord();
-    if (!bitmap) {
+    if (bitmap == nullptr) {
         return nullptr;
     }
     if (!AllocateBlock(&bitmap->block, static_cast<size_t>(layout.width) * static_cast<size_t>(layout.height))) {
@@ -76,10 +78,10 @@ static HBITMAP NewIndexBitmap(const DibLayout& layout)
     return bitmap;
 }
 
-static HBITMAP ExpandIndices(const DibLayout& layout, const uint8_t* pixels)
+HBITMAP ExpandIndices(const DibLayout& layout, const uint8_t* pixels)
 {
     HBITMAP bitmap = NewIndexBitmap(layout);
-    if (!bitmap) {
+    if (bitmap == nullptr) {
         return nullptr;
     }
     PixelRows source = RowsInPlace(layout, pixels);
@@ -96,6 +98,8 @@ static HBITMAP ExpandIndices(const DibLayout& layout, const uint8_t* pixels)
     return bitmap;
 }
 
+} // namespace
+
 // One colour of a pixel of 16 or 32 bits: its place, and the 8-bit value for each value there (for its upper 8 bits
 // where it is wider). Narrow values repeat their bits, so that the largest becomes 255.
 struct Channel {
@@ -104,7 +108,9 @@ struct Channel {
     uint8_t values[256];
 };
 
-static Channel MakeChannel(uint32_t mask)
+namespace {
+
+Channel MakeChannel(uint32_t mask)
 {
     Channel channel = {mask, 0, {}};
     if (mask == 0) {
@@ -124,15 +130,15 @@ static Channel MakeChannel(uint32_t mask)
     return channel;
 }
 
-static uint32_t ChannelValue(const Channel& channel, uint32_t word)
+uint32_t ChannelValue(const Channel& channel, uint32_t word)
 {
     return channel.values[(word & channel.mask) >> channel.shift];
 }
 
-static HBITMAP ExpandWords(const DibLayout& layout, const uint8_t* pixels)
+HBITMAP ExpandWords(const DibLayout& layout, const uint8_t* pixels)
 {
     HBITMAP bitmap = NewNativeBitmap(layout.width, layout.height);
-    if (!bitmap) {
+    if (bitmap == nullptr) {
         return nullptr;
     }
     const Channel red = MakeChannel(layout.masks[0]);
@@ -153,11 +159,13 @@ static HBITMAP ExpandWords(const DibLayout& layout, const uint8_t* pixels)
     return bitmap;
 }
 
+} // namespace
+
 HBITMAP BitmapFromDib(const DibLayout& layout, const uint8_t* pixels, size_t size, PixelBlock* block)
 {
     if (layout.runLengths) {
         HBITMAP bitmap = NewIndexBitmap(layout);
-        if (bitmap) {
+        if (bitmap != nullptr) {
             UnpackRunLengths(layout, pixels, size, bitmap->block.bytes);
         }
         return bitmap;

@@ -9,8 +9,10 @@ struct TextLine {
     int width;
 };
 
+namespace {
+
 // The line that starts there. Blanks at a break belong to no line, and blanks before the end never cause a break.
-static TextLine NextLine(const std::vector<TextGlyph>& glyphs, size_t start, bool wraps, int room)
+TextLine NextLine(const std::vector<TextGlyph>& glyphs, size_t start, bool wraps, int room)
 {
     TextLine broken = {start, start, start, 0}; // at the last gap between words
     bool inWord = false;
@@ -40,21 +42,21 @@ static TextLine NextLine(const std::vector<TextGlyph>& glyphs, size_t start, boo
     return {start, index, index, width};
 }
 
+} // namespace
+
 int WINAPI DrawTextA(HDC dc, LPCSTR text, int length, LPRECT rect, UINT format)
 {
-    if (!dc || !text || length < -1 || !rect || !dc->font->strike) {
+    if ((dc == nullptr) || (text == nullptr) || length < -1 || (rect == nullptr) || (dc->font->strike == nullptr)) {
         return 0;
     }
     FontStrike* strike = dc->font->strike;
     const size_t size = length < 0 ? strlen(text) : static_cast<size_t>(length);
-    const std::vector<TextGlyph> glyphs = ReadText(strike, text, size, {true, (format & DT_NOPREFIX) == 0});
+    const std::vector<TextGlyph> glyphs = ReadText(strike, text, size, LineFeeds::kept);
     const bool wraps = (format & DT_WORDBREAK) != 0;
     const bool measures = (format & DT_CALCRECT) != 0;
     const RECT area = DeviceRect(dc, *rect);
     const int room = area.right - area.left;
     const int lineHeight = strike->ascent + strike->descent;
-    constexpr RECT everywhere = {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
-    const RECT limit = (format & DT_NOCLIP) != 0 ? everywhere : area;
 
     int lines = 0;
     int widest = 0;
@@ -68,8 +70,7 @@ int WINAPI DrawTextA(HDC dc, LPCSTR text, int length, LPRECT rect, UINT format)
             } else if (format & DT_RIGHT) {
                 x += room - line.width;
             }
-            DrawGlyphs(dc, x, area.top + lines * lineHeight, glyphs.data() + line.start, line.end - line.start,
-                       limit);
+            DrawGlyphs(dc, x, area.top + lines * lineHeight, glyphs.data() + line.start, line.end - line.start, area);
         }
         start = line.next;
     }

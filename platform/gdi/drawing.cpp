@@ -12,7 +12,9 @@ void FillDeviceRect(HDC dc, Surface* surface, const RECT& area, uint32_t pixel)
     });
 }
 
-static void InvertDeviceRect(HDC dc, Surface* surface, const RECT& area)
+namespace {
+
+void InvertDeviceRect(HDC dc, Surface* surface, const RECT& area)
 {
     ForEachVisiblePart(dc, surface, area, [=](const RECT& part) {
         uint32_t* row = PixelAddress(surface, part.left, part.top);
@@ -24,21 +26,25 @@ static void InvertDeviceRect(HDC dc, Surface* surface, const RECT& area)
     });
 }
 
+} // namespace
+
 // ---- fills ----
 
 int WINAPI FillRect(HDC dc, const RECT* rect, HBRUSH brush)
 {
-    if (!dc || !rect || !IsObject(brush, ObjectType::brush)) {
+    if ((dc == nullptr) || (rect == nullptr) || !IsObject(brush, ObjectType::brush)) {
         return 0;
     }
-    if (Surface* surface = DrawingSurface(dc); surface && !brush->hollow) {
+    if (Surface* surface = DrawingSurface(dc)) {
         FillDeviceRect(dc, surface, DeviceRect(dc, *rect), brush->pixel);
     }
     return 1;
 }
 
+namespace {
+
 // Frames are mostly those of cells in full view: one pass over the rows instead of four fills.
-static bool IsWhollyVisible(HDC dc, Surface* surface, const RECT& area)
+bool IsWhollyVisible(HDC dc, Surface* surface, const RECT& area)
 {
     const RECT whole = {0, 0, surface->width, surface->height};
     if (dc->clipped && dc->clip.size() != 1) {
@@ -49,7 +55,7 @@ static bool IsWhollyVisible(HDC dc, Surface* surface, const RECT& area)
            area.bottom <= visible.bottom;
 }
 
-static void FrameDeviceRect(Surface* surface, const RECT& area, uint32_t pixel)
+void FrameDeviceRect(Surface* surface, const RECT& area, uint32_t pixel)
 {
     const LONG width = area.right - area.left;
     uint32_t* row = PixelAddress(surface, area.left, area.top);
@@ -63,13 +69,15 @@ static void FrameDeviceRect(Surface* surface, const RECT& area, uint32_t pixel)
     GrowDirty(surface, area);
 }
 
+} // namespace
+
 int WINAPI FrameRect(HDC dc, const RECT* rect, HBRUSH brush)
 {
-    if (!dc || !rect || !IsObject(brush, ObjectType::brush)) {
+    if ((dc == nullptr) || (rect == nullptr) || !IsObject(brush, ObjectType::brush)) {
         return 0;
     }
     Surface* surface = DrawingSurface(dc);
-    if (!surface || brush->hollow || !HasArea(*rect)) {
+    if ((surface == nullptr) || !HasArea(*rect)) {
         return 1;
     }
     RECT area = DeviceRect(dc, *rect);
@@ -84,26 +92,10 @@ int WINAPI FrameRect(HDC dc, const RECT* rect, HBRUSH brush)
     return 1;
 }
 
-COLORREF WINAPI SetPixel(HDC dc, int x, int y, COLORREF colour)
-{
-    Surface* surface = dc ? DrawingSurface(dc) : nullptr;
-    if (!surface) {
-        return CLR_INVALID;
-    }
-    COLORREF result = CLR_INVALID;
-    int h = DeviceX(dc, x);
-    int v = DeviceY(dc, y);
-    ForEachVisiblePart(dc, surface, {h, v, h + 1, v + 1}, [&](const RECT&) {
-        *PixelAddress(surface, h, v) = PixelOf(colour);
-        result = ColourOf(PixelOf(colour));
-    });
-    return result;
-}
-
 COLORREF WINAPI GetPixel(HDC dc, int x, int y)
 {
     PixelRows rows;
-    if (!dc || !SourceRows(dc, &rows)) {
+    if ((dc == nullptr) || !SourceRows(dc, &rows)) {
         return CLR_INVALID;
     }
     int h = DeviceX(dc, x);
@@ -128,7 +120,9 @@ struct Stroke {
     uint32_t pixel;
 };
 
-static void StrokeRect(const Stroke& stroke, const RECT& area)
+namespace {
+
+void StrokeRect(const Stroke& stroke, const RECT& area)
 {
     if (stroke.inverts) {
         InvertDeviceRect(stroke.dc, stroke.surface, area);
@@ -137,7 +131,7 @@ static void StrokeRect(const Stroke& stroke, const RECT& area)
     }
 }
 
-static void StrokeStraight(const Stroke& stroke, POINT from, POINT to)
+void StrokeStraight(const Stroke& stroke, POINT from, POINT to)
 {
     // From the first pixel to the one before the last, whichever way the line runs.
     RECT area = {std::min(from.x, to.x), std::min(from.y, to.y), std::max(from.x, to.x), std::max(from.y, to.y)};
@@ -156,7 +150,7 @@ static void StrokeStraight(const Stroke& stroke, POINT from, POINT to)
 
 // Along the longer axis the line has one pixel at each step; the other coordinate is rounded to the nearest. Steps
 // whose pen cannot touch the surface are passed over by calculation, so that a far-out end costs nothing.
-static void StrokeSlanted(const Stroke& stroke, POINT from, POINT to)
+void StrokeSlanted(const Stroke& stroke, POINT from, POINT to)
 {
     bool steep = std::abs(to.y - from.y) > std::abs(to.x - from.x);
     int64_t length = steep ? std::abs(to.y - from.y) : std::abs(to.x - from.x);
@@ -196,12 +190,14 @@ static void StrokeSlanted(const Stroke& stroke, POINT from, POINT to)
     }
 }
 
+} // namespace
+
 BOOL WINAPI MoveToEx(HDC dc, int x, int y, LPPOINT previous)
 {
-    if (!dc) {
+    if (dc == nullptr) {
         return FALSE;
     }
-    if (previous) {
+    if (previous != nullptr) {
         *previous = dc->position;
     }
     dc->position = {x, y};
@@ -210,7 +206,7 @@ BOOL WINAPI MoveToEx(HDC dc, int x, int y, LPPOINT previous)
 
 BOOL WINAPI LineTo(HDC dc, int x, int y)
 {
-    if (!dc) {
+    if (dc == nullptr) {
         return FALSE;
     }
     POINT from = {DeviceX(dc, dc->position.x), DeviceY(dc, dc->position.y)};
@@ -226,16 +222,11 @@ BOOL WINAPI LineTo(HDC dc, int x, int y)
         return TRUE;
     }
     Surface* surface = DrawingSurface(dc);
-    if (!surface) {
+    if (surface == nullptr) {
         return TRUE;
     }
     int width = dc->pen->width;
-    Stroke stroke = {dc,
-                     surface,
-                     width / 2,
-                     (width - 1) / 2,
-                     dc->rasterMode == R2_NOT,
-                     dc->rasterMode == R2_BLACK ? 0 : dc->pen->pixel};
+    Stroke stroke = {dc, surface, width / 2, (width - 1) / 2, dc->rasterMode == R2_NOT, dc->pen->pixel};
     if (from.x == to.x || from.y == to.y) {
         StrokeStraight(stroke, from, to);
     } else {

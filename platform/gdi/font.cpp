@@ -10,15 +10,17 @@
 #include FT_FREETYPE_H
 #include FT_MODULE_H
 
+namespace {
+
 // In the order of family, then bold, then italic.
-static const char* const fontFileNames[] = {
+const char* const fontFileNames[] = {
     "LiberationSans-Regular.ttf",    "LiberationSans-Italic.ttf",      "LiberationSans-Bold.ttf",
     "LiberationSans-BoldItalic.ttf", "LiberationSerif-Regular.ttf",    "LiberationSerif-Italic.ttf",
     "LiberationSerif-Bold.ttf",      "LiberationSerif-BoldItalic.ttf", "LiberationMono-Regular.ttf",
     "LiberationMono-Italic.ttf",     "LiberationMono-Bold.ttf",        "LiberationMono-BoldItalic.ttf",
 };
 
-static const char* const fontFolders[] = {
+const char* const fontFolders[] = {
 #if defined(KESTREL_FONT_FOLDER)
     KESTREL_FONT_FOLDER "/",
 #endif
@@ -26,18 +28,24 @@ static const char* const fontFolders[] = {
     "/usr/share/fonts/truetype/liberation2/",
 };
 
+} // namespace
+
 struct FaceName {
     const char* name;
     int family;
     bool bold;
 };
 
-static const FaceName faceNames[] = {
+namespace {
+
+const FaceName faceNames[] = {
     {"Arial", 0, false},
     {"Times New Roman", 1, false},
     {"Times New Roman Bold", 1, true},
     {"Courier New", 2, false},
 };
+
+} // namespace
 
 constexpr size_t keptStrikes = 24;
 constexpr int largestPixelSize = 500;
@@ -48,11 +56,13 @@ struct FontState {
     std::vector<std::unique_ptr<FontStrike>> strikes; // the last used at the end
 };
 
-static FontState fonts;
+namespace {
 
-static FT_Face FaceOf(int fontFile)
+FontState fonts;
+
+FT_Face FaceOf(int fontFile)
 {
-    if (!fonts.library) {
+    if (fonts.library == nullptr) {
         if (FT_Init_FreeType(&fonts.library) != 0) {
             fonts.library = nullptr;
             return nullptr;
@@ -64,7 +74,7 @@ static FT_Face FaceOf(int fontFile)
     }
     FT_Face& face = fonts.faces[fontFile];
     for (const char* folder : fontFolders) {
-        if (face) {
+        if (face != nullptr) {
             break;
         }
         std::string path = std::string(folder) + fontFileNames[fontFile];
@@ -77,7 +87,7 @@ static FT_Face FaceOf(int fontFile)
 
 // ---- glyphs ----
 
-static Glyph RenderGlyph(FT_Face face, uint32_t character)
+Glyph RenderGlyph(FT_Face face, uint32_t character)
 {
     Glyph glyph = {};
     if (FT_Load_Char(face, character, FT_LOAD_RENDER | FT_LOAD_TARGET_NORMAL) != 0) {
@@ -101,9 +111,11 @@ static Glyph RenderGlyph(FT_Face face, uint32_t character)
     return glyph;
 }
 
+} // namespace
+
 const Glyph* GlyphOf(FontStrike* strike, uint32_t character)
 {
-    if (character < 128 && strike->ascii[character]) {
+    if (character < 128 && (strike->ascii[character] != nullptr)) {
         return strike->ascii[character];
     }
     auto found = strike->glyphs.find(character);
@@ -120,26 +132,26 @@ const Glyph* GlyphOf(FontStrike* strike, uint32_t character)
 
 // ---- sizes ----
 
-static int RoundedUp(FT_Pos length)
+namespace {
+
+int RoundedUp(FT_Pos length)
 {
     return static_cast<int>((length + 63) >> 6);
 }
 
-static void ReadMetrics(FT_Face face, FontStrike* strike)
+void ReadMetrics(FT_Face face, FontStrike* strike)
 {
     FT_Set_Pixel_Sizes(face, 0, static_cast<FT_UInt>(strike->pixelSize));
     const FT_Size_Metrics& metrics = face->size->metrics;
     strike->ascent = RoundedUp(metrics.ascender);
     strike->descent = RoundedUp(-metrics.descender);
-    strike->maximumWidth = RoundedUp(metrics.max_advance);
     const FT_Pos thickness = FT_MulFix(face->underline_thickness, metrics.y_scale);
     const FT_Pos middle = FT_MulFix(-face->underline_position, metrics.y_scale);
     strike->underlineThickness = std::max(1, static_cast<int>((thickness + 32) >> 6));
     strike->underlineTop = std::max(1, static_cast<int>((middle - thickness / 2 + 32) >> 6));
-    strike->averageWidth = GlyphOf(strike, 'x')->advance;
 }
 
-static void DropOldStrikes()
+void DropOldStrikes()
 {
     for (size_t index = 0; fonts.strikes.size() > keptStrikes && index < fonts.strikes.size();) {
         if (fonts.strikes[index]->users == 0) {
@@ -150,7 +162,7 @@ static void DropOldStrikes()
     }
 }
 
-static FontStrike* TakeStrike(int fontFile, int pixelSize)
+FontStrike* TakeStrike(int fontFile, int pixelSize)
 {
     auto matches = [=](const auto& strike) { return strike->fontFile == fontFile && strike->pixelSize == pixelSize; };
     auto found = std::find_if(fonts.strikes.begin(), fonts.strikes.end(), matches);
@@ -158,7 +170,7 @@ static FontStrike* TakeStrike(int fontFile, int pixelSize)
         std::rotate(found, found + 1, fonts.strikes.end());
     } else {
         FT_Face face = FaceOf(fontFile);
-        if (!face) {
+        if (face == nullptr) {
             return nullptr;
         }
         auto strike = std::make_unique<FontStrike>();
@@ -176,7 +188,7 @@ static FontStrike* TakeStrike(int fontFile, int pixelSize)
 // ---- fonts ----
 
 // A positive height is that of the text cell: the largest characters whose rounded ascent and descent fit are taken.
-static int PixelSizeOf(FT_Face face, LONG height)
+int PixelSizeOf(FT_Face face, LONG height)
 {
     constexpr int64_t defaultSize = 12;
     int64_t size = height == 0 ? defaultSize : std::abs(static_cast<int64_t>(height));
@@ -191,9 +203,11 @@ static int PixelSizeOf(FT_Face face, LONG height)
     return static_cast<int>(size);
 }
 
+} // namespace
+
 HFONT WINAPI CreateFontIndirectA(const LOGFONTA* record)
 {
-    if (!record) {
+    if (record == nullptr) {
         return nullptr;
     }
     FaceName chosen = faceNames[0];
@@ -205,16 +219,15 @@ HFONT WINAPI CreateFontIndirectA(const LOGFONTA* record)
     const bool bold = chosen.bold || record->lfWeight >= 600;
     const int fontFile = chosen.family * 4 + (bold ? 2 : 0) + (record->lfItalic ? 1 : 0);
     FT_Face face = FaceOf(fontFile);
-    if (!face) {
+    if (face == nullptr) {
         return nullptr;
     }
     FontStrike* strike = TakeStrike(fontFile, PixelSizeOf(face, record->lfHeight));
-    if (!strike) {
+    if (strike == nullptr) {
         return nullptr;
     }
-    HFONT font = new (std::nothrow)
-        HFONT__{{ObjectType::font, 0, false}, strike, bold ? FW_BOLD : FW_NORMAL, record->lfUnderline != 0};
-    if (!font) {
+    HFONT font = new (std::nothrow) HFONT__{{ObjectType::font, 0, false}, strike, record->lfUnderline != 0};
+    if (font == nullptr) {
         --strike->users;
     }
     return font;
@@ -228,6 +241,6 @@ void FreeFont(HFONT font)
 
 HFONT SystemFont()
 {
-    static HFONT__ font = {{ObjectType::font, 0, true}, TakeStrike(0, 13), FW_NORMAL, false};
+    static HFONT__ font = {{ObjectType::font, 0, true}, TakeStrike(0, 13), false};
     return &font;
 }

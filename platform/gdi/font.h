@@ -22,8 +22,6 @@ struct FontStrike {
     int users; // fonts
     int ascent;
     int descent;
-    int averageWidth;
-    int maximumWidth;
     int underlineTop; // rows below the baseline
     int underlineThickness;
     std::unordered_map<uint32_t, Glyph> glyphs;

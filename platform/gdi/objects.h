@@ -26,17 +26,15 @@ struct HPEN__ {
 struct HBRUSH__ {
     ObjectHeader header;
     uint32_t pixel;
-    bool hollow;
 };
 
 struct HPALETTE__ {
     ObjectHeader header;
-    std::vector<PALETTEENTRY> entries;
 };
 
 struct HRGN__ {
     ObjectHeader header;
-    std::vector<RECT> rects;
+    RECT rect;
 };
 
 struct FontStrike;
@@ -44,7 +42,6 @@ struct FontStrike;
 struct HFONT__ {
     ObjectHeader header;
     FontStrike* strike; // null only for the system font when no font file could be opened
-    int weight;
     bool underline;
 };
 
@@ -90,7 +87,6 @@ struct HDC__ {
     int rasterMode;
     UINT textAlign;
     HPEN pen;
-    HBRUSH brush;
     HFONT font;
     HPALETTE palette;
     HBITMAP bitmap; // memory device contexts only

@@ -8,13 +8,17 @@ struct Cursor {
     int64_t y; // from the bottom
 };
 
-static void PutPixel(Cursor* cursor, uint8_t index)
+namespace {
+
+void PutPixel(Cursor* cursor, uint8_t index)
 {
     int64_t x = cursor->x++;
     if (x < cursor->layout->width && cursor->y < cursor->layout->height) {
         cursor->indices[cursor->y * cursor->layout->width + x] = index;
     }
 }
+
+} // namespace
 
 void UnpackRunLengths(const DibLayout& layout, const uint8_t* stream, size_t size, uint8_t* indices)
 {

@@ -9,8 +9,10 @@
 #include <emmintrin.h>
 #endif
 
+namespace {
+
 // Where each source pixel begins among the destination's, and where the last one ends.
-static std::vector<LONG> Boundaries(LONG begin, int sourceSize, int destinationSize)
+std::vector<LONG> Boundaries(LONG begin, int sourceSize, int destinationSize)
 {
     std::vector<LONG> boundaries(static_cast<size_t>(sourceSize) + 1);
     const int step = destinationSize / sourceSize;
@@ -29,12 +31,16 @@ static std::vector<LONG> Boundaries(LONG begin, int sourceSize, int destinationS
     return boundaries;
 }
 
+} // namespace
+
 // Pictures larger than this are not kept whole in a processor's cache anyway.
 constexpr int64_t streamedSurfacePixels = int64_t{4} << 20;
 
+namespace {
+
 // Writes past the cache: an ordinary store reads the memory first that it is about to overwrite, which for a large
 // picture takes as long as the writing.
-static void StreamPixels(uint32_t* destination, const uint32_t* source, LONG count)
+void StreamPixels(uint32_t* destination, const uint32_t* source, LONG count)
 {
 #if defined(__SSE2__)
     constexpr LONG blockSize = 4;
@@ -53,25 +59,28 @@ static void StreamPixels(uint32_t* destination, const uint32_t* source, LONG cou
     memcpy(destination, source, static_cast<size_t>(count) * sizeof *source);
 }
 
-static void EndStreaming()
+void EndStreaming()
 {
 #if defined(__SSE2__)
     _mm_sfence(); // streamed stores are not ordered with later ones
 #endif
 }
 
-static void StretchLine(std::vector<uint32_t>* line, const uint32_t* row, const std::vector<LONG>& columns)
+void StretchLine(std::vector<uint32_t>* line, const uint32_t* row, const std::vector<LONG>& columns)
 {
     for (size_t i = 0; i + 1 < columns.size(); i++) {
         FillPixels(line->data() + columns[i], columns[i + 1] - columns[i], row[i]);
     }
 }
 
+} // namespace
+
 int WINAPI StretchDIBits(HDC dc, int x, int y, int width, int height, int sourceX, int sourceY, int sourceWidth,
                          int sourceHeight, const void* bits, const BITMAPINFO* info, UINT usage, DWORD operation)
 {
     constexpr int largest = 1 << 16;
-    if (!dc || !bits || !info || usage != DIB_RGB_COLORS || operation != SRCCOPY) {
+    if ((dc == nullptr) || (bits == nullptr) || (info == nullptr) || usage != DIB_RGB_COLORS ||
+        operation != SRCCOPY) {
         return 0;
     }
     const BITMAPINFOHEADER& header = info->bmiHeader;
@@ -84,7 +93,7 @@ int WINAPI StretchDIBits(HDC dc, int x, int y, int width, int height, int source
         return 0;
     }
     Surface* surface = DrawingSurface(dc);
-    if (!surface) {
+    if (surface == nullptr) {
         return sourceHeight;
     }
 

@@ -15,9 +15,8 @@ struct Surface {
 };
 
 // A device context that draws into a surface of the caller's; a null surface draws nothing. Its attributes (origin,
-// colours, objects) live until DeleteSurfaceDC. The surface may be replaced at any time, the attributes stay.
+// colours, objects) live until DeleteSurfaceDC. The surface's pixels may be replaced at any time.
 HDC CreateSurfaceDC(Surface* surface);
-void SetSurfaceOfDC(HDC dc, Surface* surface);
 void DeleteSurfaceDC(HDC dc);
 
 // Clips drawing to the union of these rectangles (device coordinates); they are copied. A count of 0 clips everything
@@ -30,8 +29,8 @@ void ClearClipOfDC(HDC dc);
 typedef void (*ScreenLine)(int x0, int y0, int x1, int y1);
 HDC CreateScreenDC(ScreenLine line);
 
-// A bitmap file's contents in memory as LoadImageA gives it; null when it is damaged. The bytes are copied or taken
-// apart, never kept.
+// A bitmap file's contents in memory as LoadImageA gives it, for tests and fuzzers; null when it is damaged. The
+// bytes are copied or taken apart, never kept.
 HBITMAP BitmapFromFileBytes(const uint8_t* bytes, size_t size);
 // The same from a path, reading the file once. Null when it cannot be read or is damaged.
 HBITMAP BitmapFromFile(const char* path);

@@ -2,8 +2,10 @@
 
 // ---- reading ----
 
+namespace {
+
 // The character that starts at text[*position], which moves on behind it.
-static uint32_t NextCharacter(const char* text, size_t length, size_t* position)
+uint32_t NextCharacter(const char* text, size_t length, size_t* position)
 {
     const uint8_t first = static_cast<uint8_t>(text[(*position)++]);
     if (first < 0x80) {
@@ -32,25 +34,24 @@ static uint32_t NextCharacter(const char* text, size_t length, size_t* position)
     return character;
 }
 
-std::vector<TextGlyph> ReadText(FontStrike* strike, const char* text, size_t length, TextReading reading)
+} // namespace
+
+std::vector<TextGlyph> ReadText(FontStrike* strike, const char* text, size_t length, LineFeeds lineFeeds)
 {
     std::vector<TextGlyph> glyphs;
     glyphs.reserve(length);
-    bool marked = false;
     for (size_t position = 0; position < length;) {
         const uint32_t character = NextCharacter(text, length, &position);
-        if (character == '\n' && reading.lineFeeds) {
-            glyphs.push_back({character, nullptr, false});
-        } else if (character == '&' && reading.marks && !marked) {
-            marked = true;
-            continue;
+        if (character == '\n' && lineFeeds == LineFeeds::kept) {
+            glyphs.push_back({character, nullptr});
         } else if (character >= 0x20 && (character < 0x7F || character > 0x9F)) {
-            glyphs.push_back({character, GlyphOf(strike, character), marked && character != '&'});
+            glyphs.push_back({character, GlyphOf(strike, character)});
         }
-        marked = false;
     }
     return glyphs;
 }
+
+namespace {
 
 int WidthOf(const TextGlyph* glyphs, size_t count)
 {
@@ -63,7 +64,7 @@ int WidthOf(const TextGlyph* glyphs, size_t count)
 
 // ---- drawing ----
 
-static uint32_t Blend(uint32_t below, uint32_t above, uint32_t coverage)
+uint32_t Blend(uint32_t below, uint32_t above, uint32_t coverage)
 {
     uint32_t result = 0;
     for (int shift = 0; shift <= 16; shift += 8) {
@@ -73,8 +74,7 @@ static uint32_t Blend(uint32_t below, uint32_t above, uint32_t coverage)
     return result;
 }
 
-static void DrawGlyph(HDC dc, Surface* surface, int left, int top, const Glyph& glyph, uint32_t pixel,
-                      const RECT& limit)
+void DrawGlyph(HDC dc, Surface* surface, int left, int top, const Glyph& glyph, uint32_t pixel, const RECT& limit)
 {
     const RECT area = Overlap({left, top, left + glyph.width, top + glyph.height}, limit);
     ForEachVisiblePart(dc, surface, area, [&](const RECT& part) {
@@ -92,10 +92,12 @@ static void DrawGlyph(HDC dc, Surface* surface, int left, int top, const Glyph& 
     });
 }
 
+} // namespace
+
 void DrawGlyphs(HDC dc, int x, int y, const TextGlyph* glyphs, size_t count, const RECT& limit)
 {
     Surface* surface = DrawingSurface(dc);
-    if (!surface) {
+    if (surface == nullptr) {
         return;
     }
     const FontStrike& strike = *dc->font->strike;
@@ -109,7 +111,7 @@ void DrawGlyphs(HDC dc, int x, int y, const TextGlyph* glyphs, size_t count, con
     for (size_t index = 0; index < count && x < surface->width; ++index) {
         const Glyph& glyph = *glyphs[index].glyph;
         DrawGlyph(dc, surface, x + glyph.left, baseline - glyph.top, glyph, pixel, limit);
-        if (dc->font->underline || glyphs[index].marked) {
+        if (dc->font->underline) {
             FillDeviceRect(dc, surface,
                            Overlap({x, underline, x + glyph.advance, underline + strike.underlineThickness}, limit),
                            pixel);
@@ -122,11 +124,11 @@ void DrawGlyphs(HDC dc, int x, int y, const TextGlyph* glyphs, size_t count, con
 
 BOOL WINAPI TextOutA(HDC dc, int x, int y, LPCSTR text, int length)
 {
-    if (!dc || !text || length < 0 || !dc->font->strike) {
+    if ((dc == nullptr) || (text == nullptr) || length < 0 || (dc->font->strike == nullptr)) {
         return FALSE;
     }
     FontStrike* strike = dc->font->strike;
-    const std::vector<TextGlyph> glyphs = ReadText(strike, text, static_cast<size_t>(length), {false, false});
+    const std::vector<TextGlyph> glyphs = ReadText(strike, text, static_cast<size_t>(length), LineFeeds::skipped);
     const bool fromBaseline = (dc->textAlign & TA_BASELINE) == TA_BASELINE;
     const int top = DeviceY(dc, y) - (fromBaseline ? strike->ascent : 0);
     constexpr RECT everywhere = {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
@@ -136,28 +138,11 @@ BOOL WINAPI TextOutA(HDC dc, int x, int y, LPCSTR text, int length)
 
 BOOL WINAPI GetTextExtentPoint32A(HDC dc, LPCSTR text, int length, LPSIZE size)
 {
-    if (!dc || !text || length < 0 || !size || !dc->font->strike) {
+    if ((dc == nullptr) || (text == nullptr) || length < 0 || (size == nullptr) || (dc->font->strike == nullptr)) {
         return FALSE;
     }
     FontStrike* strike = dc->font->strike;
-    const std::vector<TextGlyph> glyphs = ReadText(strike, text, static_cast<size_t>(length), {false, false});
+    const std::vector<TextGlyph> glyphs = ReadText(strike, text, static_cast<size_t>(length), LineFeeds::skipped);
     *size = {WidthOf(glyphs.data(), glyphs.size()), strike->ascent + strike->descent};
-    return TRUE;
-}
-
-BOOL WINAPI GetTextMetricsA(HDC dc, TEXTMETRICA* metrics)
-{
-    if (!dc || !metrics || !dc->font->strike) {
-        return FALSE;
-    }
-    const FontStrike& strike = *dc->font->strike;
-    *metrics = {};
-    metrics->tmHeight = strike.ascent + strike.descent;
-    metrics->tmAscent = strike.ascent;
-    metrics->tmDescent = strike.descent;
-    metrics->tmInternalLeading = metrics->tmHeight - strike.pixelSize;
-    metrics->tmAveCharWidth = strike.averageWidth;
-    metrics->tmMaxCharWidth = strike.maximumWidth;
-    metrics->tmWeight = dc->font->weight;
     return TRUE;
 }

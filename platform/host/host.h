@@ -22,6 +22,7 @@ enum HostEventKind {
     hostGeometry,        // the frame was moved or resized, by the user or the window manager
     hostCloseRequest,    // the window stays until destroyWindow
     hostActivate,        // code 1: a window of the program became active; 0: the program lost the focus
+    hostSessionEnd,      // the user's session or the display ends and the program with it; of no window
 };
 
 enum HostModifiers { hostShift = 1, hostControl = 2, hostAlt = 4 }; // hostAlt: Alt or Super
@@ -144,7 +145,8 @@ struct Host {
     void (*destroyScrollBar)(HostScrollBar* bar);
     void (*setScrollBar)(HostScrollBar* bar, int minimum, int highestPosition, int page, int position);
 
-    // The devices now, not as of the last event taken. Neither loses nor delivers an event.
+    // The devices now, not as of the last event taken. Neither loses nor delivers an event. Once the session has
+    // ended no button is held, so that whatever follows the pointer comes to its end.
     void (*pointer)(int* x, int* y);
     unsigned (*buttons)();
     unsigned (*modifiers)();
@@ -154,7 +156,8 @@ struct Host {
     // Shows these lines above everything, instead of the ones before; none hides them.
     void (*showOutline)(const HostSegment* segments, int count);
 
-    // Runs the file dialog to its end; 1 and the path when a file was chosen, 0 when cancelled.
+    // Runs the file dialog to its end; 1 and the path when a file was chosen, 0 when cancelled. The end of the
+    // session cancels it.
     int (*chooseFile)(const HostFileRequest* request, char* path, int size);
     // Plays a RIFF WAVE file in memory to its end; returns at once where there is no device.
     void (*playSound)(const uint8_t* wave, uint32_t size);

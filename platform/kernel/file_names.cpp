@@ -4,13 +4,14 @@
 #include "platform/kernel/system_calls.h"
 
 #include <cerrno>
+#include <cstring>
 
 namespace {
 
-// Write permission for nobody is what the read-only attribute is on Windows.
-bool IsReadOnly(const struct stat& status)
+// A folder, or a file with the read-only attribute: neither is deleted or replaced.
+bool IsProtected(const struct stat& status)
 {
-    return (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
+    return (FileAttributesOf(status) & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0;
 }
 
 // Renames where the file system cannot refuse an existing target by itself: through a second link, which never
@@ -46,7 +47,7 @@ BOOL WINAPI DeleteFileA(LPCSTR path)
         return FALSE;
     }
     struct stat status;
-    if (systemCalls.stat(resolved, &status) == 0 && (S_ISDIR(status.st_mode) || IsReadOnly(status))) {
+    if (systemCalls.stat(resolved, &status) == 0 && IsProtected(status)) {
         SetLastError(ERROR_ACCESS_DENIED);
         return FALSE;
     }
@@ -92,6 +93,36 @@ BOOL WINAPI MoveFileA(LPCSTR from, LPCSTR to)
     return TRUE;
 }
 
+BOOL WINAPI MoveFileExA(LPCSTR from, LPCSTR to, DWORD flags)
+{
+    if (flags == 0) {
+        return MoveFileA(from, to);
+    }
+    if (flags != MOVEFILE_REPLACE_EXISTING) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    char source[MAX_PATH];
+    char target[MAX_PATH];
+    if (!ResolvePath(from, source, sizeof source) || !ResolvePath(to, target, sizeof target)) {
+        return FALSE;
+    }
+    struct stat status;
+    if (RetryInterrupted([&] { return systemCalls.stat(target, &status); }) == 0 && IsProtected(status)) {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return FALSE;
+    }
+    const char* newPath = strcmp(source, target) == 0 ? to : target; // a name may change its letter case
+    if (RetryInterrupted([&] { return systemCalls.rename(source, newPath); }) == 0) {
+        return TRUE;
+    }
+    const int reason = errno;
+    const bool sourceIsThere = RetryInterrupted([&] { return systemCalls.stat(source, &status); }) == 0;
+    errno = reason;
+    SetErrorForPath(sourceIsThere ? newPath : source, ERROR_WRITE_FAULT);
+    return FALSE;
+}
+
 DWORD WINAPI GetFileAttributesA(LPCSTR path)
 {
     char resolved[MAX_PATH];
@@ -103,9 +134,5 @@ DWORD WINAPI GetFileAttributesA(LPCSTR path)
         SetErrorForPath(resolved, ERROR_READ_FAULT);
         return INVALID_FILE_ATTRIBUTES;
     }
-    DWORD attributes = S_ISDIR(status.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : 0;
-    if (IsReadOnly(status)) {
-        attributes |= FILE_ATTRIBUTE_READONLY;
-    }
-    return attributes ? attributes : FILE_ATTRIBUTE_NORMAL;
+    return FileAttributesOf(status);
 }

@@ -4,11 +4,13 @@
 #include "platform/kernel/paths.h"
 #include "platform/kernel/system_calls.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstring>
 #include <fcntl.h>
 #include <string>
+#include <sys/file.h>
 #include <unistd.h>
 #include <vector>
 
@@ -18,12 +20,14 @@ constexpr size_t bufferSize = 65536;
 constexpr int firstHandle = 3; // 0 means "no file" to the program
 constexpr int mostFiles = 64;
 
+constexpr int accessBits = 0x0003;
+constexpr int shareBits = 0x0070;
+
 enum BufferUse { bufferEmpty, bufferReadAhead, bufferToWrite };
 
 struct OpenFile {
     bool inUse = false;
     int descriptor = -1;
-    bool readable = false;
     bool writable = false;
     bool writeFailed = false; // bytes that _lwrite had accepted are lost
     off_t position = 0;       // as the program sees it
@@ -36,16 +40,6 @@ struct OpenFile {
 };
 
 OpenFile files[mostFiles];
-
-template <typename Call>
-auto RetryInterrupted(Call call)
-{
-    auto result = call();
-    while (result == -1 && errno == EINTR) {
-        result = call();
-    }
-    return result;
-}
 
 OpenFile* FileOf(HFILE handle)
 {
@@ -125,20 +119,30 @@ bool WriteGathered(OpenFile& file)
 std::string FolderOf(const char* path)
 {
     const char* slash = strrchr(path, '/');
-    std::string folder = slash ? std::string(path, static_cast<size_t>(slash - path) + 1) : std::string();
+    std::string folder = slash != nullptr ? std::string(path, static_cast<size_t>(slash - path) + 1) : std::string();
     if (path[0] == '/') {
         return folder;
     }
     char current[PATH_MAX];
-    if (!getcwd(current, sizeof current)) {
-        return slash ? folder : std::string(".");
+    if (getcwd(current, sizeof current) == nullptr) {
+        return slash != nullptr ? folder : std::string(".");
     }
     return std::string(current) + "/" + folder;
 }
 
+// Takes the file for this handle alone. The lock is the open file's: it goes with the descriptor, whatever ends it.
+bool LockOpenFile(int descriptor)
+{
+    if (RetryInterrupted([&] { return systemCalls.lock(descriptor, LOCK_EX | LOCK_NB); }) == 0) {
+        return true;
+    }
+    SetLastError(errno == EWOULDBLOCK ? ERROR_SHARING_VIOLATION : ErrorFromErrno(errno, ERROR_READ_FAULT));
+    return false;
+}
+
 // Only regular files are opened. The kind is looked at before the open, because opening a FIFO or a device can act on
 // it, and after it, because the name may have changed its file in between.
-HFILE OpenPath(LPCSTR path, int flags, bool readable, bool writable)
+HFILE OpenPath(LPCSTR path, int flags, bool exclusive)
 {
     char resolved[MAX_PATH];
     if (!ResolvePath(path, resolved, sizeof resolved)) {
@@ -163,17 +167,21 @@ HFILE OpenPath(LPCSTR path, int flags, bool readable, bool writable)
         SetErrorForPath(resolved, ERROR_READ_FAULT);
         return HFILE_ERROR;
     }
-    if (systemCalls.statOpen(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
+    if (RetryInterrupted([&] { return systemCalls.statOpen(descriptor, &status); }) != 0 ||
+        !S_ISREG(status.st_mode)) {
         systemCalls.close(descriptor);
         SetLastError(ERROR_ACCESS_DENIED);
+        return HFILE_ERROR;
+    }
+    if (exclusive && !LockOpenFile(descriptor)) {
+        systemCalls.close(descriptor);
         return HFILE_ERROR;
     }
     OpenFile& file = files[index];
     file = OpenFile();
     file.inUse = true;
     file.descriptor = descriptor;
-    file.readable = readable;
-    file.writable = writable;
+    file.writable = (flags & O_ACCMODE) == O_RDWR;
     file.folder = FolderOf(resolved);
     return index + firstHandle;
 }
@@ -204,17 +212,13 @@ bool SyncFolder(const std::string& folder)
 
 HFILE WINAPI _lopen(LPCSTR path, int mode)
 {
-    switch (mode & 3) {
-    case OF_READ:
-        return OpenPath(path, O_RDONLY, true, false);
-    case OF_WRITE:
-        return OpenPath(path, O_WRONLY, false, true);
-    case OF_READWRITE:
-        return OpenPath(path, O_RDWR, true, true);
-    default:
+    const bool exclusive = (mode & shareBits) == OF_SHARE_EXCLUSIVE;
+    const int access = mode & accessBits;
+    if (access != OF_READ && access != OF_READWRITE) {
         SetLastError(ERROR_ACCESS_DENIED);
         return HFILE_ERROR;
     }
+    return OpenPath(path, access == OF_READ ? O_RDONLY : O_RDWR, exclusive);
 }
 
 HFILE WINAPI _lcreat(LPCSTR path, int attributes)
@@ -223,112 +227,147 @@ HFILE WINAPI _lcreat(LPCSTR path, int attributes)
         SetLastError(ERROR_ACCESS_DENIED);
         return HFILE_ERROR;
     }
-    return OpenPath(path, O_RDWR | O_CREAT | O_TRUNC, true, true);
+    return OpenPath(path, O_RDWR | O_CREAT | O_TRUNC, false);
 }
+
+namespace {
+
+constexpr UINT transferFailed = static_cast<UINT>(-1);
+
+size_t BytesAhead(const OpenFile& file)
+{
+    const off_t end = file.bufferStart + static_cast<off_t>(file.bufferUsed);
+    const bool inside = file.use == bufferReadAhead && file.position >= file.bufferStart && file.position < end;
+    return inside ? static_cast<size_t>(end - file.position) : 0;
+}
+
+size_t TakeFromBuffer(OpenFile& file, uint8_t* destination, size_t wanted)
+{
+    const size_t taken = std::min(wanted, BytesAhead(file));
+    if (taken > 0) {
+        memcpy(destination, file.buffer.data() + (file.position - file.bufferStart), taken);
+        file.position += static_cast<off_t>(taken);
+    }
+    return taken;
+}
+
+// Reads at the program's position until count bytes or the end of the file; -1 on failure.
+ssize_t ReadAtPosition(OpenFile& file, uint8_t* bytes, size_t count)
+{
+    if (!MoveSystemPosition(file, file.position)) {
+        SetLastError(ErrorFromErrno(errno, ERROR_READ_FAULT));
+        return -1;
+    }
+    return ReadThrough(file, bytes, count);
+}
+
+bool FillBuffer(OpenFile& file)
+{
+    file.buffer.resize(bufferSize);
+    file.use = bufferEmpty;
+    const ssize_t got = ReadAtPosition(file, file.buffer.data(), bufferSize);
+    if (got < 0) {
+        return false;
+    }
+    file.use = bufferReadAhead;
+    file.bufferStart = file.position;
+    file.bufferUsed = static_cast<size_t>(got);
+    return true;
+}
+
+} // namespace
 
 UINT WINAPI _lread(HFILE handle, LPVOID buffer, UINT count)
 {
-    constexpr UINT failed = static_cast<UINT>(-1);
     OpenFile* file = FileOf(handle);
-    if (!file) {
-        return failed;
+    if (file == nullptr) {
+        return transferFailed;
     }
-    if (!file->readable || (!buffer && count > 0)) {
+    if ((buffer == nullptr) && count > 0) {
         SetLastError(ERROR_ACCESS_DENIED);
-        return failed;
+        return transferFailed;
     }
     if (!WriteGathered(*file)) {
-        return failed;
+        return transferFailed;
     }
     uint8_t* destination = static_cast<uint8_t*>(buffer);
-    size_t wanted = count;
-    while (wanted > 0) {
-        off_t ahead = file->bufferStart + static_cast<off_t>(file->bufferUsed) - file->position;
-        if (file->use == bufferReadAhead && file->position >= file->bufferStart && ahead > 0) {
-            size_t taken = wanted < static_cast<size_t>(ahead) ? wanted : static_cast<size_t>(ahead);
-            memcpy(destination, file->buffer.data() + (file->position - file->bufferStart), taken);
-            destination += taken;
-            wanted -= taken;
-            file->position += static_cast<off_t>(taken);
-            continue;
-        }
-        if (!MoveSystemPosition(*file, file->position)) {
-            SetLastError(ErrorFromErrno(errno, ERROR_READ_FAULT));
-            return failed;
-        }
-        if (wanted >= bufferSize) {
-            ssize_t got = ReadThrough(*file, destination, wanted);
-            if (got < 0) {
-                return failed;
-            }
-            file->position += got;
-            wanted -= static_cast<size_t>(got);
-            break;
-        }
-        file->buffer.resize(bufferSize);
-        file->use = bufferEmpty;
-        ssize_t got = ReadThrough(*file, file->buffer.data(), bufferSize);
+    const size_t taken = TakeFromBuffer(*file, destination, count);
+    const size_t missing = count - taken;
+    if (missing >= bufferSize) {
+        const ssize_t got = ReadAtPosition(*file, destination + taken, missing);
         if (got < 0) {
-            return failed;
+            return transferFailed;
         }
-        if (got == 0) {
-            break;
-        }
-        file->use = bufferReadAhead;
-        file->bufferStart = file->position;
-        file->bufferUsed = static_cast<size_t>(got);
+        file->position += got;
+        return static_cast<UINT>(taken + static_cast<size_t>(got));
     }
-    return count - static_cast<UINT>(wanted);
+    if (missing > 0 && !FillBuffer(*file)) {
+        return transferFailed;
+    }
+    return static_cast<UINT>(taken + TakeFromBuffer(*file, destination + taken, missing));
 }
+
+namespace {
+
+bool WriteAtPosition(OpenFile& file, const uint8_t* bytes, size_t count)
+{
+    if (!MoveSystemPosition(file, file.position)) {
+        SetLastError(ErrorFromErrno(errno, ERROR_WRITE_FAULT));
+        return false;
+    }
+    const bool written = WriteThrough(file, bytes, count);
+    file.position = file.systemPosition;
+    return written;
+}
+
+// The buffer must have room for them.
+void Gather(OpenFile& file, const uint8_t* bytes, size_t count)
+{
+    if (file.use != bufferToWrite) {
+        file.buffer.resize(bufferSize);
+        file.use = bufferToWrite;
+        file.bufferStart = file.position;
+        file.bufferUsed = 0;
+    }
+    memcpy(file.buffer.data() + file.bufferUsed, bytes, count);
+    file.bufferUsed += count;
+    file.position += static_cast<off_t>(count);
+}
+
+} // namespace
 
 UINT WINAPI _lwrite(HFILE handle, LPCSTR buffer, UINT count)
 {
-    constexpr UINT failed = static_cast<UINT>(-1);
     OpenFile* file = FileOf(handle);
-    if (!file) {
-        return failed;
+    if (file == nullptr) {
+        return transferFailed;
     }
-    if (!file->writable || (!buffer && count > 0)) {
+    if (!file->writable || ((buffer == nullptr) && count > 0)) {
         SetLastError(ERROR_ACCESS_DENIED);
-        return failed;
+        return transferFailed;
     }
     if (file->writeFailed) {
         SetLastError(ERROR_WRITE_FAULT);
-        return failed;
-    }
-    if (count == 0) {
-        return 0;
+        return transferFailed;
     }
     const uint8_t* source = reinterpret_cast<const uint8_t*>(buffer);
-    if (file->use == bufferToWrite && file->bufferUsed + count > bufferSize && !WriteGathered(*file)) {
-        return failed;
+    if (file->bufferUsed + count > bufferSize && !WriteGathered(*file)) {
+        return transferFailed;
     }
     if (count >= bufferSize) {
         file->use = bufferEmpty;
-        if (!MoveSystemPosition(*file, file->position)) {
-            SetLastError(ErrorFromErrno(errno, ERROR_WRITE_FAULT));
-            return failed;
-        }
-        bool written = WriteThrough(*file, source, count);
-        file->position = file->systemPosition;
-        return written ? count : failed;
+        return WriteAtPosition(*file, source, count) ? count : transferFailed;
     }
-    if (file->use != bufferToWrite) {
-        file->buffer.resize(bufferSize);
-        file->use = bufferToWrite;
-        file->bufferStart = file->position;
-        file->bufferUsed = 0;
+    if (count > 0) {
+        Gather(*file, source, count);
     }
-    memcpy(file->buffer.data() + file->bufferUsed, source, count);
-    file->bufferUsed += count;
-    file->position += count;
     return count;
 }
 
 HFILE WINAPI _lclose(HFILE handle)
 {
     OpenFile* file = FileOf(handle);
-    if (!file) {
+    if (file == nullptr) {
         return HFILE_ERROR;
     }
     bool good = WriteGathered(*file) && !file->writeFailed;
@@ -341,49 +380,29 @@ HFILE WINAPI _lclose(HFILE handle)
     return good ? 0 : HFILE_ERROR;
 }
 
-DWORD WINAPI SetFilePointer(HANDLE handle, LONG offset, PLONG offsetHigh, DWORD method)
+DWORD WINAPI SetFilePointer(HANDLE handle, LONG offset, LONG* offsetHigh, DWORD method)
 {
     OpenFile* file = FileOf(static_cast<HFILE>(reinterpret_cast<intptr_t>(handle)));
-    if (!file || !WriteGathered(*file)) {
+    if ((file == nullptr) || !WriteGathered(*file)) {
         return INVALID_SET_FILE_POINTER;
     }
-    int64_t distance = offset;
-    if (offsetHigh) {
-        distance = static_cast<int64_t>(static_cast<uint64_t>(static_cast<uint32_t>(*offsetHigh)) << 32 |
-                                        static_cast<uint32_t>(offset));
-    }
-    int64_t base = 0;
-    if (method == FILE_CURRENT) {
-        base = file->position;
-    } else if (method == FILE_END) {
-        off_t end = systemCalls.seek(file->descriptor, 0, SEEK_END);
-        if (end < 0) {
-            SetLastError(ErrorFromErrno(errno, ERROR_READ_FAULT));
-            return INVALID_SET_FILE_POINTER;
-        }
-        file->systemPosition = end;
-        base = end;
-    } else if (method != FILE_BEGIN) {
+    if (method != FILE_BEGIN || (offsetHigh != nullptr)) {
         SetLastError(ERROR_GEN_FAILURE);
         return INVALID_SET_FILE_POINTER;
     }
-    int64_t position = 0;
-    if (__builtin_add_overflow(base, distance, &position) || position < 0) {
+    if (offset < 0) {
         SetLastError(ERROR_NEGATIVE_SEEK);
         return INVALID_SET_FILE_POINTER;
     }
-    file->position = position;
-    if (offsetHigh) {
-        *offsetHigh = static_cast<LONG>(position >> 32);
-    }
+    file->position = offset;
     SetLastError(ERROR_SUCCESS);
-    return static_cast<DWORD>(position);
+    return static_cast<DWORD>(offset);
 }
 
 BOOL WINAPI FlushFileBuffers(HANDLE handle)
 {
     OpenFile* file = FileOf(static_cast<HFILE>(reinterpret_cast<intptr_t>(handle)));
-    if (!file) {
+    if (file == nullptr) {
         return FALSE;
     }
     if (!file->writable) {

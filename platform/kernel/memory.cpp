@@ -55,7 +55,7 @@ HGLOBAL WINAPI GlobalAlloc(UINT, SIZE_T size)
     if (size <= largestBlock && !AllocationMayFail()) {
         address = calloc(1, size > 0 ? size : 1);
     }
-    if (!address) {
+    if (address == nullptr) {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return nullptr;
     }
@@ -68,7 +68,7 @@ HGLOBAL WINAPI GlobalAlloc(UINT, SIZE_T size)
 LPVOID WINAPI GlobalLock(HGLOBAL handle)
 {
     MemoryBlock* block = BlockOf(handle);
-    if (!block) {
+    if (block == nullptr) {
         return nullptr;
     }
     block->locks++;
@@ -79,7 +79,7 @@ LPVOID WINAPI GlobalLock(HGLOBAL handle)
 BOOL WINAPI GlobalUnlock(HGLOBAL handle)
 {
     MemoryBlock* block = BlockOf(handle);
-    if (!block) {
+    if (block == nullptr) {
         return FALSE;
     }
     SetLastError(ERROR_SUCCESS);
@@ -101,11 +101,11 @@ HGLOBAL WINAPI GlobalHandle(LPCVOID address)
 
 HGLOBAL WINAPI GlobalFree(HGLOBAL handle)
 {
-    if (!handle) {
+    if (handle == nullptr) {
         return nullptr;
     }
     MemoryBlock* block = BlockOf(handle);
-    if (!block) {
+    if (block == nullptr) {
         return handle;
     }
     blockOfAddress.erase(block->address);

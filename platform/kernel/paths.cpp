@@ -5,7 +5,6 @@
 
 #include <climits>
 #include <cstring>
-#include <dirent.h>
 #include <string>
 #include <unistd.h>
 
@@ -42,9 +41,44 @@ bool SameFileName(const char* first, const char* second)
     }
 }
 
+bool MatchesPattern(const char* pattern, const char* name)
+{
+    unsigned char previous = 0; // the byte of the name before this one; of the pattern it is the same where it counts
+    const char* star = nullptr; // the pattern behind the last '*', and the name's rest that it is tried on
+    const char* rest = nullptr;
+    while (*name != 0) {
+        const unsigned char wanted = static_cast<unsigned char>(*pattern);
+        const unsigned char byte = static_cast<unsigned char>(*name);
+        if (wanted == '*') {
+            star = ++pattern;
+            rest = name;
+            continue;
+        }
+        if (wanted == '?' || FoldedByte(previous, wanted) == FoldedByte(previous, byte)) {
+            pattern++;
+            name++;
+            while (wanted == '?' && (static_cast<unsigned char>(*name) & 0xC0) == 0x80) {
+                name++; // the rest of one character
+            }
+            previous = static_cast<unsigned char>(name[-1]);
+            continue;
+        }
+        if (star == nullptr) {
+            return false;
+        }
+        name = ++rest;
+        previous = static_cast<unsigned char>(name[-1]);
+        pattern = star;
+    }
+    while (*pattern == '*') {
+        pattern++;
+    }
+    return *pattern == 0;
+}
+
 bool ResolvePath(const char* path, char* resolved, size_t size)
 {
-    size_t length = path ? strnlen(path, MAX_PATH) : 0;
+    size_t length = path != nullptr ? strnlen(path, MAX_PATH) : 0;
     if (length == 0) {
         SetLastError(ERROR_PATH_NOT_FOUND);
         return false;
@@ -60,32 +94,32 @@ bool ResolvePath(const char* path, char* resolved, size_t size)
         return true;
     }
     const char* slash = strrchr(path, '/');
-    const char* name = slash ? slash + 1 : path;
+    const char* name = slash != nullptr ? slash + 1 : path;
     if (name[0] == 0) {
         return true;
     }
-    std::string folder = slash ? std::string(path, static_cast<size_t>(name - path)) : std::string("./");
-    DIR* entries = opendir(folder.c_str());
-    if (!entries) {
+    std::string folder = slash != nullptr ? std::string(path, static_cast<size_t>(name - path)) : std::string("./");
+    DIR* entries = RetryInterrupted([&] { return systemCalls.openFolder(folder.c_str()); });
+    if (entries == nullptr) {
         return true;
     }
     // Folding never changes a name's length, so the entry fits where the name was.
     char* resolvedName = resolved + (name - path);
     bool found = false;
-    while (const dirent* entry = readdir(entries)) {
+    while (const dirent* entry = RetryInterrupted([&] { return systemCalls.readFolder(entries); })) {
         if (SameFileName(entry->d_name, name) && (!found || strcmp(entry->d_name, resolvedName) < 0)) {
             strcpy(resolvedName, entry->d_name);
             found = true;
         }
     }
-    closedir(entries);
+    systemCalls.closeFolder(entries);
     return true;
 }
 
 void _splitpath(const char* path, char* drive, char* folder, char* name, char* extension)
 {
     auto Store = [](char* buffer, size_t size, const char* from, const char* to) {
-        if (!buffer) {
+        if (buffer == nullptr) {
             return;
         }
         size_t length = static_cast<size_t>(to - from);
@@ -95,12 +129,12 @@ void _splitpath(const char* path, char* drive, char* folder, char* name, char* e
         memcpy(buffer, from, length);
         buffer[length] = 0;
     };
-    const char* text = path ? path : "";
+    const char* text = path != nullptr ? path : "";
     const char* end = text + strlen(text);
     const char* slash = strrchr(text, '/');
-    const char* nameStart = slash ? slash + 1 : text;
+    const char* nameStart = slash != nullptr ? slash + 1 : text;
     const char* dot = strrchr(nameStart, '.');
-    const char* nameEnd = dot ? dot : end;
+    const char* nameEnd = dot != nullptr ? dot : end;
     Store(drive, _MAX_DRIVE, text, text);
     Store(folder, _MAX_DIR, text, nameStart);
     Store(name, _MAX_FNAME, nameStart, nameEnd);
@@ -110,12 +144,12 @@ void _splitpath(const char* path, char* drive, char* folder, char* name, char* e
 DWORD WINAPI GetCurrentDirectoryA(DWORD size, LPSTR buffer)
 {
     char folder[PATH_MAX];
-    if (!getcwd(folder, sizeof folder)) {
+    if (getcwd(folder, sizeof folder) == nullptr) {
         SetLastError(ERROR_PATH_NOT_FOUND);
         return 0;
     }
     size_t length = strlen(folder);
-    if (!buffer || length >= size) {
+    if ((buffer == nullptr) || length >= size) {
         return static_cast<DWORD>(length + 1);
     }
     memcpy(buffer, folder, length + 1);
@@ -137,7 +171,7 @@ BOOL WINAPI SetCurrentDirectoryA(LPCSTR path)
 
 DWORD WINAPI GetModuleFileNameA(HMODULE module, LPSTR buffer, DWORD size)
 {
-    if (!buffer || size == 0 || (module && module != GetModuleHandleA(nullptr))) {
+    if ((buffer == nullptr) || size == 0 || ((module != nullptr) && module != GetModuleHandleA(nullptr))) {
         SetLastError(ERROR_INVALID_HANDLE);
         return 0;
     }

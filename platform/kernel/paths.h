@@ -11,3 +11,7 @@ bool ResolvePath(const char* path, char* resolved, size_t size);
 
 // Whether two UTF-8 names differ at most in the case of ASCII and Latin-1 letters.
 bool SameFileName(const char* first, const char* second);
+
+// Whether a name is what the pattern describes: '*' stands for any characters or none, '?' for one; letter case as
+// above.
+bool MatchesPattern(const char* pattern, const char* name);

@@ -1,14 +1,15 @@
-// The clock and the debugger's line.
+// The process, its clock and the debugger's line.
 #include "platform/api/kernel.h"
 #include "platform/host/host.h"
 
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <unistd.h>
 
 DWORD WINAPI GetTickCount()
 {
-    if (host) {
+    if (host != nullptr) {
         return host->ticks();
     }
     timespec now;
@@ -17,9 +18,14 @@ DWORD WINAPI GetTickCount()
                               static_cast<uint64_t>(now.tv_nsec) / 1000000);
 }
 
+DWORD WINAPI GetCurrentProcessId()
+{
+    return static_cast<DWORD>(getpid());
+}
+
 void WINAPI OutputDebugStringA(LPCSTR text)
 {
-    if (!text) {
+    if (text == nullptr) {
         return;
     }
     size_t length = strlen(text);

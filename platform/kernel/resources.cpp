@@ -31,23 +31,23 @@ ResourceName NameOf(LPCSTR argument)
 
 bool Matches(const ResourceName& wanted, const char* text, int number)
 {
-    if (wanted.text && text) {
+    if ((wanted.text != nullptr) && (text != nullptr)) {
         return strcasecmp(wanted.text, text) == 0;
     }
-    return !wanted.text && !text && wanted.number == number;
+    return (wanted.text == nullptr) && (text == nullptr) && wanted.number == number;
 }
 
 bool IsOurModule(HMODULE module)
 {
-    return !module || module == GetModuleHandleA(nullptr);
+    return (module == nullptr) || module == GetModuleHandleA(nullptr);
 }
 
 const ModuleResource* ResourceOf(HRSRC handle)
 {
     const ModuleResource* resource = static_cast<const ModuleResource*>(handle);
     std::less<const ModuleResource*> before;
-    bool inside =
-        resource && !before(resource, moduleResources) && before(resource, moduleResources + moduleResourceCount);
+    bool inside = (resource != nullptr) && !before(resource, moduleResources) &&
+                  before(resource, moduleResources + moduleResourceCount);
     return inside ? resource : nullptr;
 }
 
@@ -56,7 +56,7 @@ const ModuleResource* ResourceOf(HRSRC handle)
 HMODULE WINAPI GetModuleHandleA(LPCSTR name)
 {
     static int programModule;
-    return name ? nullptr : reinterpret_cast<HMODULE>(&programModule);
+    return name != nullptr ? nullptr : reinterpret_cast<HMODULE>(&programModule);
 }
 
 HRSRC WINAPI FindResourceA(HMODULE module, LPCSTR name, LPCSTR type)
@@ -77,7 +77,7 @@ HRSRC WINAPI FindResourceA(HMODULE module, LPCSTR name, LPCSTR type)
 HGLOBAL WINAPI LoadResource(HMODULE, HRSRC handle)
 {
     const ModuleResource* resource = ResourceOf(handle);
-    return resource ? const_cast<uint8_t*>(resource->data) : nullptr;
+    return resource != nullptr ? const_cast<uint8_t*>(resource->data) : nullptr;
 }
 
 LPVOID WINAPI LockResource(HGLOBAL data)
@@ -88,7 +88,7 @@ LPVOID WINAPI LockResource(HGLOBAL data)
 DWORD WINAPI SizeofResource(HMODULE, HRSRC handle)
 {
     const ModuleResource* resource = ResourceOf(handle);
-    return resource ? resource->size : 0;
+    return resource != nullptr ? resource->size : 0;
 }
 
 BOOL WINAPI FreeResource(HGLOBAL)
@@ -98,7 +98,7 @@ BOOL WINAPI FreeResource(HGLOBAL)
 
 int WINAPI LoadStringA(HINSTANCE, UINT id, LPSTR buffer, int size)
 {
-    if (!buffer || size <= 0) {
+    if ((buffer == nullptr) || size <= 0) {
         return 0;
     }
     buffer[0] = 0;

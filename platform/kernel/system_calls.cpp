@@ -7,6 +7,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <string>
+#include <sys/file.h>
 #include <unistd.h>
 
 namespace {
@@ -26,8 +27,9 @@ int RenameNoReplace(const char* from, const char* to)
     return renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE);
 }
 
-constexpr SystemCalls realSystemCalls = {OpenFile, close, read,   pread, write,  lseek,          fsync,
-                                         StatFile, fstat, unlink, link,  rename, RenameNoReplace};
+constexpr SystemCalls realSystemCalls = {OpenFile,        close,    read,    pread,   write,    lseek,
+                                         fsync,           StatFile, fstat,   unlink,  link,     rename,
+                                         RenameNoReplace, mkdir,    opendir, readdir, closedir, flock};
 
 DWORD lastError = ERROR_SUCCESS;
 
@@ -87,7 +89,7 @@ void SetErrorForPath(const char* path, unsigned ioFault)
     int number = errno;
     DWORD code = ErrorFromErrno(number, ioFault);
     const char* slash = strrchr(path, '/');
-    if (number == ENOENT && slash && slash != path) {
+    if (number == ENOENT && (slash != nullptr) && slash != path) {
         struct stat status;
         std::string folder(path, static_cast<size_t>(slash - path));
         if (systemCalls.stat(folder.c_str(), &status) != 0) {
@@ -95,6 +97,15 @@ void SetErrorForPath(const char* path, unsigned ioFault)
         }
     }
     SetLastError(code);
+}
+
+unsigned FileAttributesOf(const struct stat& status)
+{
+    DWORD attributes = S_ISDIR(status.st_mode) ? FILE_ATTRIBUTE_DIRECTORY : 0;
+    if ((status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0) {
+        attributes |= FILE_ATTRIBUTE_READONLY;
+    }
+    return attributes != 0 ? attributes : FILE_ATTRIBUTE_NORMAL;
 }
 
 DWORD WINAPI GetLastError()

@@ -2,8 +2,11 @@
 // system returns: -1 with errno on failure.
 #pragma once
 
+#include <cerrno>
+#include <dirent.h>
 #include <sys/stat.h>
 #include <sys/types.h>
+#include <type_traits>
 
 struct SystemCalls {
     int (*open)(const char* path, int flags, mode_t mode);
@@ -19,12 +22,38 @@ struct SystemCalls {
     int (*link)(const char* from, const char* to);
     int (*rename)(const char* from, const char* to);
     int (*renameNoReplace)(const char* from, const char* to); // EEXIST when the target exists
+    int (*makeFolder)(const char* path, mode_t mode);
+    DIR* (*openFolder)(const char* path); // null on failure
+    dirent* (*readFolder)(DIR* folder);   // null at the end, and with errno on failure
+    int (*closeFolder)(DIR* folder);
+    int (*lock)(int descriptor, int operation);
 };
 
 extern SystemCalls systemCalls;
 const SystemCalls& RealSystemCalls();
 
+// Makes a call again while it is interrupted. errno is 0 before each attempt.
+template <typename Call>
+auto RetryInterrupted(Call call)
+{
+    for (;;) {
+        errno = 0;
+        const auto result = call();
+        bool failed = false;
+        if constexpr (std::is_pointer_v<decltype(call())>) {
+            failed = result == nullptr;
+        } else {
+            failed = result == -1;
+        }
+        if (!failed || errno != EINTR) {
+            return result;
+        }
+    }
+}
+
 // Translates an errno value to the ERROR_ code that the Windows API reports. ioFault is the code for EIO.
 unsigned ErrorFromErrno(int number, unsigned ioFault);
 // Sets the last error for a failed call on a path: tells a missing folder from a missing file. Uses errno.
 void SetErrorForPath(const char* path, unsigned ioFault);
+// The FILE_ATTRIBUTE_ bits of a file. Write permission for nobody is what the read-only attribute is on Windows.
+unsigned FileAttributesOf(const struct stat& status);

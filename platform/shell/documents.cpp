@@ -20,7 +20,7 @@ struct FileFilter {
 FileFilter ChosenFilter(const char* list, DWORD index)
 {
     FileFilter chosen;
-    for (DWORD number = 1; list && *list; number++) {
+    for (DWORD number = 1; (list != nullptr) && *list; number++) {
         const char* pattern = list + strlen(list) + 1;
         if (number == 1 || number == index) {
             chosen = {list, pattern};
@@ -33,14 +33,14 @@ FileFilter ChosenFilter(const char* list, DWORD index)
 HostWindow* HostWindowOf(HWND handle)
 {
     const Window* window = Lookup(handle);
-    return window ? window->hostWindow : nullptr;
+    return window != nullptr ? window->hostWindow : nullptr;
 }
 
 } // namespace
 
 BOOL WINAPI GetOpenFileNameA(OPENFILENAMEA* request)
 {
-    if (!host || !request || !request->lpstrFile || request->nMaxFile == 0) {
+    if ((host == nullptr) || (request == nullptr) || (request->lpstrFile == nullptr) || request->nMaxFile == 0) {
         return FALSE;
     }
     GdiFlush();
@@ -49,10 +49,10 @@ BOOL WINAPI GetOpenFileNameA(OPENFILENAMEA* request)
     const FileFilter filter = ChosenFilter(request->lpstrFilter, request->nFilterIndex);
     HostFileRequest question = {};
     question.owner = HostWindowOf(request->hwndOwner);
-    question.title = request->lpstrTitle ? request->lpstrTitle : "Open";
+    question.title = request->lpstrTitle != nullptr ? request->lpstrTitle : "Open";
     question.filterText = filter.text;
     question.filterPattern = filter.pattern;
-    question.folder = request->lpstrInitialDir ? request->lpstrInitialDir : current;
+    question.folder = request->lpstrInitialDir != nullptr ? request->lpstrInitialDir : current;
     char path[PATH_MAX] = "";
     if (!host->chooseFile(&question, path, sizeof path)) {
         return FALSE;
@@ -65,17 +65,17 @@ BOOL WINAPI GetOpenFileNameA(OPENFILENAMEA* request)
 
     memcpy(request->lpstrFile, path, length + 1);
     const char* slash = strrchr(path, '/');
-    const char* name = slash ? slash + 1 : path;
+    const char* name = slash != nullptr ? slash + 1 : path;
     const char* dot = strrchr(name, '.');
     request->nFileOffset = static_cast<WORD>(name - path);
-    request->nFileExtension = dot ? static_cast<WORD>(dot + 1 - path) : 0;
-    if (request->lpstrFileTitle && request->nMaxFileTitle > 0) {
+    request->nFileExtension = dot != nullptr ? static_cast<WORD>(dot + 1 - path) : 0;
+    if ((request->lpstrFileTitle != nullptr) && request->nMaxFileTitle > 0) {
         const size_t nameLength = strlen(name);
         const size_t kept = nameLength < request->nMaxFileTitle ? nameLength : request->nMaxFileTitle - 1;
         memcpy(request->lpstrFileTitle, name, kept);
         request->lpstrFileTitle[kept] = 0;
     }
-    if (!(request->Flags & OFN_NOCHANGEDIR) && slash) {
+    if (!(request->Flags & OFN_NOCHANGEDIR) && (slash != nullptr)) {
         SetCurrentDirectoryA(std::string(path, slash > path ? static_cast<size_t>(slash - path) : 1).c_str());
     }
     return TRUE;
@@ -86,11 +86,11 @@ HINSTANCE WINAPI ShellExecuteA(HWND, LPCSTR verb, LPCSTR file, LPCSTR, LPCSTR fo
     auto Answer = [](uintptr_t number) { return reinterpret_cast<HINSTANCE>(number); };
     constexpr uintptr_t noOpener = 31;
     constexpr uintptr_t opened = 33;
-    if (!host || !file || (verb && strcmp(verb, "open") != 0)) {
+    if ((host == nullptr) || (file == nullptr) || ((verb != nullptr) && strcmp(verb, "open") != 0)) {
         return Answer(noOpener);
     }
     std::string path = file;
-    if (file[0] != '/' && folder && folder[0]) {
+    if (file[0] != '/' && (folder != nullptr) && folder[0]) {
         path = folder;
         if (path.back() != '/') {
             path += '/';

@@ -178,7 +178,7 @@ Bytes ResourceBytes(HINSTANCE instance, LPCSTR name, LPCSTR type)
 {
     const HRSRC resource = FindResourceA(instance, name, type);
     const void* data = LockResource(LoadResource(instance, resource));
-    return {static_cast<const uint8_t*>(data), data ? SizeofResource(instance, resource) : 0};
+    return {static_cast<const uint8_t*>(data), data != nullptr ? SizeofResource(instance, resource) : 0};
 }
 
 // The image nearest to the wanted width, the wider one of two.
@@ -187,7 +187,7 @@ const DirectoryEntry* NearestEntry(const std::vector<DirectoryEntry>& entries, i
     const DirectoryEntry* best = nullptr;
     for (const DirectoryEntry& entry : entries) {
         const int distance = std::abs(entry.width - width);
-        if (!best || distance < std::abs(best->width - width) ||
+        if ((best == nullptr) || distance < std::abs(best->width - width) ||
             (distance == std::abs(best->width - width) && entry.width > best->width)) {
             best = &entry;
         }
@@ -200,7 +200,7 @@ HICON LoadIconOfSize(HINSTANCE instance, LPCSTR name, int width)
     const std::vector<DirectoryEntry> entries = ReadDirectory(ResourceBytes(instance, name, RT_ICON), 1);
     const DirectoryEntry* entry = NearestEntry(entries, width > 0 ? width : standardIconSize);
     DecodedImage decoded;
-    if (!entry || !DecodeImage(entry->image, &decoded)) {
+    if ((entry == nullptr) || !DecodeImage(entry->image, &decoded)) {
         SetLastError(ERROR_FILE_NOT_FOUND);
         return nullptr;
     }
@@ -226,7 +226,7 @@ bool IsLiveCursor(HCURSOR cursor)
 
 HCURSOR WINAPI LoadCursorA(HINSTANCE instance, LPCSTR name)
 {
-    if (!instance) {
+    if (instance == nullptr) {
         if (name == static_cast<LPCSTR>(IDC_ARROW)) {
             return &arrowCursor;
         }
@@ -235,7 +235,7 @@ HCURSOR WINAPI LoadCursorA(HINSTANCE instance, LPCSTR name)
     const std::vector<DirectoryEntry> entries = ReadDirectory(ResourceBytes(instance, name, RT_CURSOR), 2);
     const DirectoryEntry* entry = NearestEntry(entries, standardIconSize);
     DecodedImage decoded;
-    if (!entry || !DecodeImage(entry->image, &decoded)) {
+    if ((entry == nullptr) || !DecodeImage(entry->image, &decoded)) {
         SetLastError(ERROR_FILE_NOT_FOUND);
         return nullptr;
     }
@@ -263,12 +263,12 @@ BOOL WINAPI DestroyCursor(HCURSOR cursor)
 HCURSOR WINAPI SetCursor(HCURSOR cursor)
 {
     const HCURSOR previous = images.current;
-    if (cursor && !IsLiveCursor(cursor)) {
+    if ((cursor != nullptr) && !IsLiveCursor(cursor)) {
         return previous;
     }
     images.current = cursor;
-    const HCURSOR wanted = cursor ? cursor : &arrowCursor;
-    if (host && images.shown != wanted) {
+    const HCURSOR wanted = cursor != nullptr ? cursor : &arrowCursor;
+    if ((host != nullptr) && images.shown != wanted) {
         images.shown = wanted;
         const HostImage image = {wanted->width, wanted->height, wanted->pixels.data()};
         host->setCursor(wanted->kind, wanted->kind == hostCursorImage ? &image : nullptr, wanted->hotX, wanted->hotY);
@@ -293,7 +293,7 @@ HANDLE WINAPI LoadImageA(HINSTANCE instance, LPCSTR name, UINT type, int width, 
     if (type == IMAGE_ICON && !(flags & LR_LOADFROMFILE)) {
         return LoadIconOfSize(instance, name, width);
     }
-    if (type == IMAGE_BITMAP && (flags & LR_LOADFROMFILE) && name) {
+    if (type == IMAGE_BITMAP && (flags & LR_LOADFROMFILE) && (name != nullptr)) {
         return BitmapFromFile(name);
     }
     SetLastError(ERROR_FILE_NOT_FOUND);
@@ -304,7 +304,7 @@ void ShowIcons(const Window& window)
 {
     std::vector<HostImage> shown;
     for (HICON icon : {window.windowClass->record.hIcon, window.windowClass->record.hIconSm}) {
-        if (icon && IsLiveIcon(icon)) {
+        if ((icon != nullptr) && IsLiveIcon(icon)) {
             shown.push_back({icon->width, icon->height, icon->pixels.data()});
         }
     }

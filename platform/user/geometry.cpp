@@ -11,9 +11,17 @@ void ScreenSize(int* width, int* height)
 {
     *width = 0;
     *height = 0;
-    if (host) {
+    if (host != nullptr) {
         host->screenSize(width, height);
     }
+}
+
+RECT FrameBox(Window& window)
+{
+    RefreshPlace(window);
+    POINT origin = ClientOrigin(window);
+    return {origin.x - window.borders.left, origin.y - window.borders.top,
+            origin.x + window.width + window.borders.right, origin.y + window.height + window.borders.bottom};
 }
 
 // Asks the window how large its frame may become while it is tracked.
@@ -57,7 +65,7 @@ RECT AskSizing(HWND handle, const RECT& proposed)
 void UpdateSizeLimitsOf(HWND handle)
 {
     Window* window = Lookup(handle);
-    if (!window || !window->visible || !window->hostWindow || !HasTrackSizes(*window)) {
+    if ((window == nullptr) || !window->visible || (window->hostWindow == nullptr) || !HasTrackSizes(*window)) {
         return;
     }
     const RECT frame = FrameBox(*window);
@@ -66,7 +74,7 @@ void UpdateSizeLimitsOf(HWND handle)
     const RECT least = AskSizing(handle, {frame.left, frame.top, frame.left + 1, frame.top + 1});
     const RECT most = AskSizing(handle, {frame.left, frame.top, frame.left + farAway, frame.top + farAway});
     window = Lookup(handle);
-    if (!window) {
+    if (window == nullptr) {
         return;
     }
     const int acrossBorders = window->borders.left + window->borders.right;
@@ -131,7 +139,7 @@ void Reorder(Window& window, HWND after)
         return;
     }
     Raise(window);
-    if (window.hostWindow) {
+    if (window.hostWindow != nullptr) {
         host->raiseWindow(window.hostWindow);
     }
 }
@@ -145,7 +153,7 @@ RECT ClientBox(const Window& window)
 
 void RefreshPlace(Window& window)
 {
-    if (!window.hostWindow) {
+    if (window.hostWindow == nullptr) {
         return;
     }
     HostGeometry place = {};
@@ -166,7 +174,7 @@ void RefreshPlace(Window& window)
 POINT ClientOrigin(const Window& window)
 {
     POINT origin = {window.left, window.top};
-    if (window.hostWindow) {
+    if (window.hostWindow != nullptr) {
         HostGeometry place = {};
         host->windowGeometry(window.hostWindow, &place);
         return {place.clientLeft, place.clientTop};
@@ -179,14 +187,9 @@ POINT ClientOrigin(const Window& window)
     return origin;
 }
 
-RECT FrameBox(Window& window)
-{
-    RefreshPlace(window);
-    POINT origin = ClientOrigin(window);
-    return {origin.x - window.borders.left, origin.y - window.borders.top,
-            origin.x + window.width + window.borders.right, origin.y + window.height + window.borders.bottom};
-}
+namespace {
 
+// Takes over a new client size and tells the window. flags: SWP_ flags that go with the messages.
 void AfterPlacement(HWND handle, int width, int height, UINT flags)
 {
     Window* window = Lookup(handle);
@@ -212,10 +215,12 @@ void AfterPlacement(HWND handle, int width, int height, UINT flags)
     UpdateSizeLimitsOf(handle);
 }
 
+} // namespace
+
 void HandleHostGeometry(HWND handle)
 {
     Window* window = Lookup(handle);
-    if (!window || !window->hostWindow || window->destroying) {
+    if ((window == nullptr) || (window->hostWindow == nullptr) || window->destroying) {
         return;
     }
     const int oldLeft = window->left;
@@ -242,7 +247,7 @@ void UpdateSizeLimits()
 BOOL WINAPI SetWindowPos(HWND handle, HWND after, int x, int y, int width, int height, UINT flags)
 {
     Window* window = Lookup(handle);
-    if (!window || window->destroying) {
+    if ((window == nullptr) || window->destroying) {
         return FALSE;
     }
     if (!(flags & SWP_NOZORDER)) {
@@ -279,7 +284,7 @@ BOOL WINAPI SetWindowPos(HWND handle, HWND after, int x, int y, int width, int h
             width = Limit(width, info.ptMinTrackSize.x, info.ptMaxTrackSize.x);
             height = Limit(height, info.ptMinTrackSize.y, info.ptMaxTrackSize.y);
             window = Lookup(handle);
-            if (!window) {
+            if (window == nullptr) {
                 return FALSE;
             }
         }
@@ -304,11 +309,11 @@ BOOL WINAPI MoveWindow(HWND handle, int x, int y, int width, int height, BOOL re
 
 BOOL WINAPI AdjustWindowRect(LPRECT rect, DWORD style, BOOL)
 {
-    if (!rect) {
+    if (rect == nullptr) {
         return FALSE;
     }
     Window* framed = FirstFramedWindow();
-    if ((style & (WS_POPUP | WS_CHILD)) || !framed) {
+    if ((style & (WS_POPUP | WS_CHILD)) || (framed == nullptr)) {
         return TRUE;
     }
     RefreshPlace(*framed);
@@ -322,7 +327,7 @@ BOOL WINAPI AdjustWindowRect(LPRECT rect, DWORD style, BOOL)
 BOOL WINAPI GetClientRect(HWND handle, LPRECT rect)
 {
     const Window* window = Lookup(handle);
-    if (!window || !rect) {
+    if ((window == nullptr) || (rect == nullptr)) {
         return FALSE;
     }
     *rect = ClientBox(*window);
@@ -332,7 +337,7 @@ BOOL WINAPI GetClientRect(HWND handle, LPRECT rect)
 BOOL WINAPI GetWindowRect(HWND handle, LPRECT rect)
 {
     Window* window = Lookup(handle);
-    if (!window || !rect) {
+    if ((window == nullptr) || (rect == nullptr)) {
         return FALSE;
     }
     *rect = FrameBox(*window);
@@ -342,7 +347,7 @@ BOOL WINAPI GetWindowRect(HWND handle, LPRECT rect)
 BOOL WINAPI ClientToScreen(HWND handle, LPPOINT point)
 {
     const Window* window = Lookup(handle);
-    if (!window || !point) {
+    if ((window == nullptr) || (point == nullptr)) {
         return FALSE;
     }
     POINT origin = ClientOrigin(*window);
@@ -351,28 +356,17 @@ BOOL WINAPI ClientToScreen(HWND handle, LPPOINT point)
     return TRUE;
 }
 
-BOOL WINAPI ScreenToClient(HWND handle, LPPOINT point)
-{
-    const Window* window = Lookup(handle);
-    if (!window || !point) {
-        return FALSE;
-    }
-    POINT origin = ClientOrigin(*window);
-    point->x -= origin.x;
-    point->y -= origin.y;
-    return TRUE;
-}
-
 // HWND_DESKTOP stands for the screen.
 int WINAPI MapWindowPoints(HWND from, HWND to, LPPOINT points, UINT count)
 {
     const Window* source = Lookup(from);
     const Window* target = Lookup(to);
-    if ((from && !source) || (to && !target) || (!points && count > 0)) {
+    if (((from != nullptr) && (source == nullptr)) || ((to != nullptr) && (target == nullptr)) ||
+        ((points == nullptr) && count > 0)) {
         return 0;
     }
-    POINT offset = source ? ClientOrigin(*source) : POINT{0, 0};
-    if (target) {
+    POINT offset = source != nullptr ? ClientOrigin(*source) : POINT{0, 0};
+    if (target != nullptr) {
         POINT origin = ClientOrigin(*target);
         offset.x -= origin.x;
         offset.y -= origin.y;

@@ -47,9 +47,9 @@ UINT ButtonMessage(const HostEvent& event)
 
 bool PointerMessage(const HostEvent& event, MSG* message)
 {
-    const Window* window = Lookup(Lookup(user.capture) ? user.capture : HandleOf(event));
+    const Window* window = Lookup(Lookup(user.capture) != nullptr ? user.capture : HandleOf(event));
     message->message = event.kind == hostPointerMove ? WM_MOUSEMOVE : ButtonMessage(event);
-    if (!window || message->message == WM_NULL) {
+    if ((window == nullptr) || message->message == WM_NULL) {
         return false;
     }
     const POINT origin = ClientOrigin(*window);
@@ -67,10 +67,10 @@ bool KeyMessage(const HostEvent& event, MSG* message)
     const bool control = (event.modifiers & hostControl) != 0;
     const bool system = (alt && !control) || event.key == VK_MENU || event.key == VK_F10;
     const Window* window = Lookup(HandleOf(event));
-    if (!window) {
+    if (window == nullptr) {
         window = FirstFramedWindow();
     }
-    if (!window) {
+    if (window == nullptr) {
         return false;
     }
     message->hwnd = window->handle;
@@ -85,10 +85,10 @@ bool KeyMessage(const HostEvent& event, MSG* message)
 bool MenuMessage(const HostEvent& event, MSG* message)
 {
     const Window* window = Lookup(HandleOf(event));
-    if (!window || window->kind != framedWindow) {
+    if ((window == nullptr) || window->kind != framedWindow) {
         window = FirstFramedWindow();
     }
-    if (!window || !IsMenuChoiceEnabled(window->menu, static_cast<UINT>(event.code))) {
+    if ((window == nullptr) || !IsMenuChoiceEnabled(window->menu, static_cast<UINT>(event.code))) {
         return false;
     }
     message->hwnd = window->handle;
@@ -136,6 +136,9 @@ void Enqueue(const HostEvent& event)
         // Losing the focus from one of our windows to another is no news for the program.
         std::erase_if(user.input, [](const HostEvent& waiting) { return waiting.kind == hostActivate; });
         break;
+    case hostSessionEnd:
+        user.sessionEnds = true;
+        return;
     default:
         break;
     }
@@ -150,7 +153,7 @@ void TakeActivation(const HostEvent& event)
 {
     const bool active = event.code != 0;
     const Window* window = Lookup(HandleOf(event));
-    if (active && window) {
+    if (active && (window != nullptr)) {
         SetForeground(window->handle);
     } else if (!active) {
         SetForeground(nullptr);
@@ -218,12 +221,9 @@ void DeliverSentEvent(const HostEvent& event)
     const Window* window = Lookup(HandleOf(event));
     switch (event.kind) {
     case hostScroll: {
-        Window* bar = LookupBar(event.bar);
-        if (!bar) {
+        const Window* bar = LookupBar(event.bar);
+        if (bar == nullptr) {
             return;
-        }
-        if (event.code == SB_THUMBTRACK || event.code == SB_THUMBPOSITION) {
-            bar->scroll.nTrackPos = event.position;
         }
         SendMessageA(bar->parent, (bar->style & SBS_VERT) ? WM_VSCROLL : WM_HSCROLL,
                      MAKEWPARAM(event.code, event.position), reinterpret_cast<LPARAM>(bar->handle));
@@ -233,7 +233,7 @@ void DeliverSentEvent(const HostEvent& event)
         HandleHostGeometry(HandleOf(event));
         return;
     case hostCloseRequest:
-        if (window) {
+        if (window != nullptr) {
             SendMessageA(window->handle, WM_CLOSE, 0, 0);
         }
         return;
@@ -242,6 +242,16 @@ void DeliverSentEvent(const HostEvent& event)
         return;
     default:
         return;
+    }
+}
+
+void DeliverSessionEnd()
+{
+    const std::vector<HWND> handles = user.zOrder;
+    for (const UINT message : {WM_QUERYENDSESSION, WM_ENDSESSION}) {
+        for (const HWND handle : handles) {
+            SendMessageA(handle, message, message == WM_ENDSESSION ? TRUE : 0, ENDSESSION_CRITICAL);
+        }
     }
 }
 
@@ -309,7 +319,7 @@ SHORT WINAPI GetKeyState(int key)
 
 SHORT WINAPI GetAsyncKeyState(int key)
 {
-    if (!host) {
+    if (host == nullptr) {
         return 0;
     }
     PresentAll();
@@ -332,7 +342,7 @@ SHORT WINAPI GetAsyncKeyState(int key)
 
 BOOL WINAPI GetCursorPos(LPPOINT point)
 {
-    if (!point || !host) {
+    if ((point == nullptr) || (host == nullptr)) {
         return FALSE;
     }
     PresentAll();
@@ -345,7 +355,7 @@ BOOL WINAPI GetCursorPos(LPPOINT point)
 
 BOOL WINAPI SetCursorPos(int x, int y)
 {
-    if (!host) {
+    if (host == nullptr) {
         return FALSE;
     }
     PresentAll();
@@ -355,7 +365,8 @@ BOOL WINAPI SetCursorPos(int x, int y)
 
 int WINAPI GetMouseMovePointsEx(UINT size, MOUSEMOVEPOINT* point, MOUSEMOVEPOINT* buffer, int count, DWORD)
 {
-    if (size != sizeof(MOUSEMOVEPOINT) || !point || !buffer || count < 0 || count > static_cast<int>(historyLength)) {
+    if (size != sizeof(MOUSEMOVEPOINT) || (point == nullptr) || (buffer == nullptr) || count < 0 ||
+        count > static_cast<int>(historyLength)) {
         return -1;
     }
     const int kept = std::min(count, static_cast<int>(user.moveHistory.size()));

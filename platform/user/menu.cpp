@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 
 struct HMENU__ {
     struct Item {
@@ -31,7 +30,7 @@ std::vector<std::unique_ptr<HMENU__>> menus;
 HMENU__* LookupMenu(HMENU handle)
 {
     for (const std::unique_ptr<HMENU__>& menu : menus) {
-        if (handle && menu.get() == handle) {
+        if ((handle != nullptr) && menu.get() == handle) {
             return handle;
         }
     }
@@ -54,17 +53,18 @@ struct ItemPlace {
 MenuItem* FindItem(HMENU handle, UINT item, UINT flags, ItemPlace* place)
 {
     HMENU__* menu = LookupMenu(handle);
-    if (!menu) {
+    if (menu == nullptr) {
         return nullptr;
     }
     for (size_t i = 0; i < menu->items.size(); i++) {
         MenuItem& entry = menu->items[i];
         const bool byPosition = (flags & MF_BYPOSITION) != 0;
-        if (byPosition ? i == item : !entry.submenu && !(entry.flags & MF_SEPARATOR) && entry.command == item) {
+        if (byPosition ? i == item
+                       : (entry.submenu == nullptr) && !(entry.flags & MF_SEPARATOR) && entry.command == item) {
             *place = {handle, static_cast<int>(i)};
             return &entry;
         }
-        if (!byPosition && entry.submenu) {
+        if (!byPosition && (entry.submenu != nullptr)) {
             if (MenuItem* found = FindItem(entry.submenu, item, flags, place)) {
                 return found;
             }
@@ -81,9 +81,9 @@ bool IsUsable(const MenuItem& item)
 void ShowItemState(const ItemPlace& place)
 {
     const HMENU__* menu = place.menu;
-    const HMENU__* bar = menu->bar ? LookupMenu(menu->bar) : menu;
-    const Window* window = bar ? Lookup(bar->window) : nullptr;
-    if (!window || !window->hostWindow) {
+    const HMENU__* bar = menu->bar != nullptr ? LookupMenu(menu->bar) : menu;
+    const Window* window = bar != nullptr ? Lookup(bar->window) : nullptr;
+    if ((window == nullptr) || (window->hostWindow == nullptr)) {
         return;
     }
     const MenuItem& item = menu->items[static_cast<size_t>(place.position)];
@@ -104,7 +104,7 @@ UINT ChangeFlags(HMENU menu, UINT item, UINT flags, UINT changed)
 {
     ItemPlace place = {};
     MenuItem* entry = FindItem(menu, item, flags, &place);
-    if (!entry) {
+    if (entry == nullptr) {
         return noSuchItem;
     }
     const UINT previous = entry->flags & changed;
@@ -145,10 +145,11 @@ void AddLine(HMENU bar, const std::string& line)
 
 HMENU LoadMenuOfClass(const WindowClass& windowClass)
 {
-    const HRSRC resource =
-        windowClass.record.lpszMenuName ? FindResourceA(nullptr, windowClass.record.lpszMenuName, RT_MENU) : nullptr;
+    const HRSRC resource = windowClass.record.lpszMenuName != nullptr
+                               ? FindResourceA(nullptr, windowClass.record.lpszMenuName, RT_MENU)
+                               : nullptr;
     const char* text = static_cast<const char*>(LockResource(LoadResource(nullptr, resource)));
-    if (!text) {
+    if (text == nullptr) {
         return nullptr;
     }
     const char* end = text + SizeofResource(nullptr, resource);
@@ -168,7 +169,7 @@ HMENU LoadMenuOfClass(const WindowClass& windowClass)
 void AttachMenu(Window& window)
 {
     HMENU__* bar = LookupMenu(window.menu);
-    if (!bar) {
+    if (bar == nullptr) {
         return;
     }
     bar->window = window.handle;
@@ -188,7 +189,7 @@ void DestroyMenuOf(Window& window)
 {
     const HMENU bar = window.menu;
     window.menu = nullptr;
-    if (bar) {
+    if (bar != nullptr) {
         std::erase_if(menus,
                       [&](const std::unique_ptr<HMENU__>& menu) { return menu.get() == bar || menu->bar == bar; });
     }
@@ -202,10 +203,10 @@ void DestroyAllMenus()
 bool IsMenuChoiceEnabled(HMENU handle, UINT command)
 {
     const HMENU__* bar = LookupMenu(handle);
-    for (size_t i = 0; bar && i < bar->items.size(); i++) {
+    for (size_t i = 0; (bar != nullptr) && i < bar->items.size(); i++) {
         ItemPlace place = {};
         const MenuItem* item = FindItem(bar->items[i].submenu, command, MF_BYCOMMAND, &place);
-        if (item) {
+        if (item != nullptr) {
             return IsUsable(*item) && IsUsable(bar->items[i]);
         }
     }
@@ -215,13 +216,13 @@ bool IsMenuChoiceEnabled(HMENU handle, UINT command)
 HMENU WINAPI GetMenu(HWND handle)
 {
     const Window* window = Lookup(handle);
-    return window ? window->menu : nullptr;
+    return window != nullptr ? window->menu : nullptr;
 }
 
 HMENU WINAPI GetSubMenu(HMENU handle, int position)
 {
     const HMENU__* menu = LookupMenu(handle);
-    if (!menu || position < 0 || static_cast<size_t>(position) >= menu->items.size()) {
+    if ((menu == nullptr) || position < 0 || static_cast<size_t>(position) >= menu->items.size()) {
         return nullptr;
     }
     return menu->items[static_cast<size_t>(position)].submenu;
@@ -230,17 +231,17 @@ HMENU WINAPI GetSubMenu(HMENU handle, int position)
 int WINAPI GetMenuItemCount(HMENU handle)
 {
     const HMENU__* menu = LookupMenu(handle);
-    return menu ? static_cast<int>(menu->items.size()) : -1;
+    return menu != nullptr ? static_cast<int>(menu->items.size()) : -1;
 }
 
 UINT WINAPI GetMenuState(HMENU menu, UINT item, UINT flags)
 {
     ItemPlace place = {};
     const MenuItem* entry = FindItem(menu, item, flags, &place);
-    if (!entry) {
+    if (entry == nullptr) {
         return noSuchItem;
     }
-    if (!entry->submenu) {
+    if (entry->submenu == nullptr) {
         return entry->flags;
     }
     return (entry->flags & 0xFF) | popupFlag | static_cast<UINT>(entry->submenu->items.size() & 0xFF) << 8;
@@ -261,30 +262,11 @@ BOOL WINAPI HiliteMenuItem(HWND window, HMENU menu, UINT item, UINT flags)
 {
     ItemPlace place = {};
     MenuItem* entry = FindItem(menu, item, flags, &place);
-    if (!entry || !IsWindow(window)) {
+    if ((entry == nullptr) || !IsWindow(window)) {
         return FALSE;
     }
     entry->flags = (entry->flags & ~static_cast<UINT>(MF_HILITE)) | (flags & MF_HILITE);
     return TRUE;
-}
-
-int WINAPI GetMenuStringA(HMENU menu, UINT item, LPSTR buffer, int size, UINT flags)
-{
-    ItemPlace place = {};
-    const MenuItem* entry = FindItem(menu, item, flags, &place);
-    if (buffer && size > 0) {
-        buffer[0] = 0;
-    }
-    if (!entry) {
-        return 0;
-    }
-    if (!buffer || size <= 0) {
-        return static_cast<int>(entry->text.size());
-    }
-    const size_t length = std::min(entry->text.size(), static_cast<size_t>(size) - 1);
-    memcpy(buffer, entry->text.data(), length);
-    buffer[length] = 0;
-    return static_cast<int>(length);
 }
 
 // The host's bar is always up to date.

@@ -17,7 +17,7 @@ struct MessageFilter {
 
 bool Matches(const MessageFilter& filter, const MSG& message)
 {
-    if (filter.window && filter.window != message.hwnd) {
+    if ((filter.window != nullptr) && filter.window != message.hwnd) {
         return false;
     }
     if (filter.first == 0 && filter.last == 0) {
@@ -27,9 +27,14 @@ bool Matches(const MessageFilter& filter, const MSG& message)
 }
 
 // Takes the first waiting message that the filter lets through. What reaches the window procedures directly is
-// delivered when its turn comes, or when it stands behind messages that the filter holds back.
+// delivered when its turn comes, or when it stands behind messages that the filter holds back; the end of the session
+// is delivered before everything else.
 bool TakeQueued(const MessageFilter& filter, bool remove, MSG* message)
 {
+    if (user.sessionEnds && !user.zOrder.empty()) {
+        user.sessionEnds = false;
+        DeliverSessionEnd();
+    }
     for (size_t i = 0; i < user.posted.size(); i++) {
         if (!Matches(filter, user.posted[i])) {
             continue;
@@ -69,7 +74,7 @@ bool TakeQueued(const MessageFilter& filter, bool remove, MSG* message)
 bool MakePaint(const MessageFilter& filter, MSG* message)
 {
     const Window* window = WindowToPaint(filter.window);
-    if (!window) {
+    if (window == nullptr) {
         return false;
     }
     MSG made = {};
@@ -95,7 +100,7 @@ void SendPlacement(HWND handle, const WINDOWPOS& position)
         SendMessageA(handle, WM_MOVE, 0, MAKELPARAM(origin.x, origin.y));
     }
     window = Lookup(handle);
-    if (window && !(position.flags & keptClientSize)) {
+    if ((window != nullptr) && !(position.flags & keptClientSize)) {
         SendMessageA(handle, WM_SIZE, 0, MAKELPARAM(window->width, window->height));
     }
 }
@@ -110,7 +115,7 @@ BOOL Given()
 
 BOOL WINAPI PeekMessageA(LPMSG message, HWND window, UINT first, UINT last, UINT remove)
 {
-    if (!message || !host) {
+    if ((message == nullptr) || (host == nullptr)) {
         return FALSE;
     }
     const MessageFilter filter = {window, first, last};
@@ -139,12 +144,12 @@ BOOL WINAPI PeekMessageA(LPMSG message, HWND window, UINT first, UINT last, UINT
 
 LRESULT WINAPI DispatchMessageA(const MSG* message)
 {
-    return message ? SendMessageA(message->hwnd, message->message, message->wParam, message->lParam) : 0;
+    return message != nullptr ? SendMessageA(message->hwnd, message->message, message->wParam, message->lParam) : 0;
 }
 
 BOOL WINAPI TranslateMessage(const MSG* message)
 {
-    if (!message || (message->message != WM_KEYDOWN && message->message != WM_SYSKEYDOWN)) {
+    if ((message == nullptr) || (message->message != WM_KEYDOWN && message->message != WM_SYSKEYDOWN)) {
         return FALSE;
     }
     const WPARAM character = static_cast<WPARAM>((message->lParam >> 16) & 0xFF);
@@ -162,12 +167,13 @@ BOOL WINAPI TranslateMessage(const MSG* message)
 LRESULT WINAPI SendMessageA(HWND handle, UINT message, WPARAM wParam, LPARAM lParam)
 {
     const Window* window = Lookup(handle);
-    return window ? CallProcedure(*window, message, wParam, lParam) : 0;
+    return window != nullptr ? CallProcedure(*window, message, wParam, lParam) : 0;
 }
 
 BOOL WINAPI PostMessageA(HWND handle, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    if ((handle && !Lookup(handle)) || user.posted.size() >= mostPosted || !host) {
+    if (((handle != nullptr) && (Lookup(handle) == nullptr)) || user.posted.size() >= mostPosted ||
+        (host == nullptr)) {
         return FALSE;
     }
     int x = 0;
@@ -179,13 +185,15 @@ BOOL WINAPI PostMessageA(HWND handle, UINT message, WPARAM wParam, LPARAM lParam
 
 LRESULT WINAPI DefWindowProcA(HWND handle, UINT message, WPARAM, LPARAM lParam)
 {
-    if (!Lookup(handle)) {
+    if (Lookup(handle) == nullptr) {
         return 0;
     }
     switch (message) {
     case WM_CLOSE:
         DestroyWindow(handle);
         return 0;
+    case WM_QUERYENDSESSION:
+        return TRUE;
     case WM_PAINT: {
         PAINTSTRUCT paint;
         BeginPaint(handle, &paint);

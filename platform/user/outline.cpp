@@ -95,7 +95,7 @@ std::vector<Line> LinesToShow()
 
 HDC ScreenDC()
 {
-    if (!screenDC) {
+    if (screenDC == nullptr) {
         screenDC = CreateScreenDC(InvertLine);
     }
     return screenDC;
@@ -122,13 +122,13 @@ void ShowPendingOutline()
 
 void ForgetOutline()
 {
-    if (host && !shownLines.empty()) {
+    if ((host != nullptr) && !shownLines.empty()) {
         host->showOutline(nullptr, 0);
     }
     oddLines.clear();
     shownLines.clear();
     outlineChanged = false;
-    if (screenDC) {
+    if (screenDC != nullptr) {
         DeleteSurfaceDC(screenDC);
     }
     screenDC = nullptr;

@@ -18,8 +18,8 @@ Window* WindowToPaint(HWND filter)
 {
     for (HWND handle : user.zOrder) {
         Window* window = Lookup(handle);
-        if (window && window->visible && !window->destroying && !window->update.empty() &&
-            (!filter || filter == handle)) {
+        if ((window != nullptr) && window->visible && !window->destroying && !window->update.empty() &&
+            ((filter == nullptr) || filter == handle)) {
             return window;
         }
     }
@@ -29,7 +29,7 @@ Window* WindowToPaint(HWND filter)
 HDC WINAPI BeginPaint(HWND handle, PAINTSTRUCT* paint)
 {
     Window* window = Lookup(handle);
-    if (!window || !paint) {
+    if ((window == nullptr) || (paint == nullptr)) {
         return nullptr;
     }
     *paint = {};
@@ -50,7 +50,7 @@ HDC WINAPI BeginPaint(HWND handle, PAINTSTRUCT* paint)
 BOOL WINAPI EndPaint(HWND handle, const PAINTSTRUCT* paint)
 {
     Window* window = Lookup(handle);
-    if (!window || !paint) {
+    if ((window == nullptr) || (paint == nullptr)) {
         return FALSE;
     }
     ClearClipOfDC(DCOfWindow(*window));
@@ -60,44 +60,28 @@ BOOL WINAPI EndPaint(HWND handle, const PAINTSTRUCT* paint)
 BOOL WINAPI InvalidateRect(HWND handle, const RECT* rect, BOOL erase)
 {
     Window* window = Lookup(handle);
-    if (!window) {
+    if (window == nullptr) {
         return FALSE;
     }
-    InvalidateArea(*window, rect ? *rect : ClientBox(*window), erase != FALSE);
+    InvalidateArea(*window, rect != nullptr ? *rect : ClientBox(*window), erase != FALSE);
     return TRUE;
 }
 
 BOOL WINAPI ValidateRect(HWND handle, const RECT* rect)
 {
     Window* window = Lookup(handle);
-    if (!window) {
+    if (window == nullptr) {
         return FALSE;
     }
-    SubtractFromRegion(window->update, rect ? *rect : ClientBox(*window));
+    SubtractFromRegion(window->update, rect != nullptr ? *rect : ClientBox(*window));
     window->erasePending = window->erasePending && !window->update.empty();
-    return TRUE;
-}
-
-BOOL WINAPI GetUpdateRect(HWND handle, LPRECT rect, BOOL erase)
-{
-    Window* window = Lookup(handle);
-    if (rect) {
-        *rect = window ? RegionBox(window->update) : RECT{};
-    }
-    if (!window || window->update.empty()) {
-        return FALSE;
-    }
-    if (erase && window->erasePending) {
-        window->erasePending = false;
-        SendMessageA(handle, WM_ERASEBKGND, reinterpret_cast<WPARAM>(DCOfWindow(*window)), 0);
-    }
     return TRUE;
 }
 
 BOOL WINAPI UpdateWindow(HWND handle)
 {
     Window* window = Lookup(handle);
-    if (!window) {
+    if (window == nullptr) {
         return FALSE;
     }
     if (window->visible && !window->update.empty()) {

@@ -12,7 +12,7 @@ constexpr uint32_t unpaintedPixel = 0x00C0C0C0;
 void PresentWindow(Window& window)
 {
     RECT dirty = window.picture.dirty;
-    if (!window.visible || !window.hostWindow || dirty.left >= dirty.right || dirty.top >= dirty.bottom) {
+    if (!window.visible || (window.hostWindow == nullptr) || dirty.left >= dirty.right || dirty.top >= dirty.bottom) {
         return;
     }
     window.picture.dirty = {};
@@ -28,8 +28,9 @@ void PresentWindow(Window& window)
 // Keeps the old content where both sizes have it.
 void ResizePicture(Window& window)
 {
-    if (!window.hostWindow ||
-        (window.picture.pixels && window.picture.width == window.width && window.picture.height == window.height)) {
+    if ((window.hostWindow == nullptr) ||
+        ((window.picture.pixels != nullptr) && window.picture.width == window.width &&
+         window.picture.height == window.height)) {
         return;
     }
     size_t width = static_cast<size_t>(window.width);
@@ -50,15 +51,15 @@ void ResizePicture(Window& window)
 
 HDC DCOfWindow(Window& window)
 {
-    if (!window.dc) {
-        window.dc = CreateSurfaceDC(window.hostWindow ? &window.picture : nullptr);
+    if (window.dc == nullptr) {
+        window.dc = CreateSurfaceDC(window.hostWindow != nullptr ? &window.picture : nullptr);
     }
     return window.dc;
 }
 
 void ReleasePicture(Window& window)
 {
-    if (window.dc) {
+    if (window.dc != nullptr) {
         DeleteSurfaceDC(window.dc);
     }
     window.dc = nullptr;
@@ -77,24 +78,24 @@ void PresentAll()
 
 HDC WINAPI GetDC(HWND handle)
 {
-    if (!handle) {
+    if (handle == nullptr) {
         return ScreenDC();
     }
     Window* window = Lookup(handle);
-    return window ? DCOfWindow(*window) : nullptr;
+    return window != nullptr ? DCOfWindow(*window) : nullptr;
 }
 
 // Every window keeps its device context, so nothing is given back.
 int WINAPI ReleaseDC(HWND handle, HDC dc)
 {
-    if (!dc) {
+    if (dc == nullptr) {
         return 0;
     }
-    if (!handle) {
+    if (handle == nullptr) {
         return dc == ScreenDC();
     }
     const Window* window = Lookup(handle);
-    return window && window->dc == dc;
+    return (window != nullptr) && window->dc == dc;
 }
 
 BOOL WINAPI GdiFlush()

@@ -4,16 +4,16 @@
 
 void PlatformReset()
 {
-    if (host) {
+    if (host != nullptr) {
         ReleaseCapture();
         // Newest first: pop-ups go before the window that owns them.
         for (size_t i = user.windows.size(); i-- > 0;) {
             Window& window = *user.windows[i];
             window.visible = false;
-            if (window.hostBar) {
+            if (window.hostBar != nullptr) {
                 host->destroyScrollBar(window.hostBar);
             }
-            if (window.hostWindow) {
+            if (window.hostWindow != nullptr) {
                 host->destroyWindow(window.hostWindow);
             }
             ReleasePicture(window);

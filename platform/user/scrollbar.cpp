@@ -13,7 +13,7 @@ int HighestPosition(const SCROLLINFO& scroll)
 
 void ShowScroll(const Window& bar)
 {
-    if (bar.hostBar) {
+    if (bar.hostBar != nullptr) {
         host->setScrollBar(bar.hostBar, bar.scroll.nMin, HighestPosition(bar.scroll),
                            static_cast<int>(bar.scroll.nPage), bar.scroll.nPos);
     }
@@ -22,19 +22,19 @@ void ShowScroll(const Window& bar)
 Window* LookupScrollBar(HWND handle, int which)
 {
     Window* window = Lookup(handle);
-    return window && which == SB_CTL && window->kind == scrollBarWindow ? window : nullptr;
+    return (window != nullptr) && which == SB_CTL && window->kind == scrollBarWindow ? window : nullptr;
 }
 
 } // namespace
 
 void SyncScrollBar(Window& bar)
 {
-    if (bar.hostBar) {
+    if (bar.hostBar != nullptr) {
         host->destroyScrollBar(bar.hostBar);
     }
     bar.hostBar = nullptr;
     const Window* parent = Lookup(bar.parent);
-    if (!bar.visible || !parent || !parent->hostWindow) {
+    if (!bar.visible || (parent == nullptr) || (parent->hostWindow == nullptr)) {
         return;
     }
     const HostRect place = {bar.left, bar.top, bar.left + bar.width, bar.top + bar.height};
@@ -45,7 +45,7 @@ void SyncScrollBar(Window& bar)
 int WINAPI SetScrollInfo(HWND handle, int which, const SCROLLINFO* info, BOOL)
 {
     Window* bar = LookupScrollBar(handle, which);
-    if (!bar || !info) {
+    if ((bar == nullptr) || (info == nullptr)) {
         return 0;
     }
     SCROLLINFO& scroll = bar->scroll;
@@ -73,7 +73,7 @@ int WINAPI SetScrollInfo(HWND handle, int which, const SCROLLINFO* info, BOOL)
 BOOL WINAPI GetScrollInfo(HWND handle, int which, SCROLLINFO* info)
 {
     const Window* bar = LookupScrollBar(handle, which);
-    if (!bar || !info) {
+    if ((bar == nullptr) || (info == nullptr)) {
         return FALSE;
     }
     if (info->fMask & SIF_RANGE) {
@@ -85,9 +85,6 @@ BOOL WINAPI GetScrollInfo(HWND handle, int which, SCROLLINFO* info)
     }
     if (info->fMask & SIF_POS) {
         info->nPos = bar->scroll.nPos;
-    }
-    if (info->fMask & SIF_TRACKPOS) {
-        info->nTrackPos = bar->scroll.nTrackPos;
     }
     return TRUE;
 }

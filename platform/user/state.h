@@ -87,6 +87,7 @@ struct UserState {
     bool programActive = false;
 
     std::deque<MSG> posted;      // taken before input
+    bool sessionEnds = false;    // the windows are still to be told
     std::deque<HostEvent> input; // in the order in which it happened; becomes messages when it is taken
     unsigned keyModifiers = 0;   // as of the last message taken
     unsigned keyButtons = 0;
@@ -100,21 +101,20 @@ struct UserState {
 
 extern UserState user;
 
-// ---- windows (window.cpp, geometry.cpp) ----
+// ---- windows (window.cpp, create_window.cpp, geometry.cpp) ----
 
 Window* Lookup(HWND handle); // null for dead handles
 Window* LookupBar(const HostScrollBar* bar);
 Window* FirstFramedWindow();
 bool IsTopLevel(const Window& window);
 LRESULT CallProcedure(const Window& window, UINT message, WPARAM wParam, LPARAM lParam);
+void SendSizeAndMove(HWND handle); // a new window's first WM_SIZE and WM_MOVE
+void RemoveWindow(HWND handle);    // its record and its place in the order
 
 RECT ClientBox(const Window& window);     // origin (0, 0)
 POINT ClientOrigin(const Window& window); // on the screen, now
 // Takes the position and the frame widths from the host.
 void RefreshPlace(Window& window);
-RECT FrameBox(Window& window);
-// Takes over a new client size and tells the window. placeFlags: SWP_ flags that go with the messages.
-void AfterPlacement(HWND handle, int width, int height, UINT flags);
 void HandleHostGeometry(HWND handle);
 void UpdateSizeLimits();
 void Raise(Window& window);
@@ -145,6 +145,8 @@ bool CollectEvents(int waitMilliseconds);
 bool MessageOfEvent(const HostEvent& event, MSG* message);
 bool IsSentEvent(const HostEvent& event); // reaches the window procedures directly
 void DeliverSentEvent(const HostEvent& event);
+// Tells every window that the session ends.
+void DeliverSessionEnd();
 // Brings the key state up to this event, which is being taken.
 void TakeKeyState(const HostEvent& event);
 void DropMessagesOf(HWND handle);

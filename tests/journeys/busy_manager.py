@@ -5,7 +5,6 @@ import signal
 import time
 
 from journey import run
-from support.mapfiles import coded_art, new_map_data, write_bitmap, write_map
 
 NAME = "Map150c.dat"
 SCROLL_BAR = 16
@@ -13,10 +12,7 @@ SCROLL_BAR = 16
 
 def busy_manager(journey):
     manager = int(os.environ["WINDOW_MANAGER_PROCESS"])
-    art = coded_art(455, 225)
-    write_bitmap(journey.path("Map150c.bmp"), art)
-    write_map(journey.path(NAME), new_map_data(150, 455, 225))
-
+    art, _ = journey.make_map(150, 455, 225)
     for delay in (0.05, 0.2, 0.4):
         journey.start()
         journey.keys("ctrl+o")

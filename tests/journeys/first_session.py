@@ -3,8 +3,8 @@
 import os
 import shutil
 
-from journey import HAND, RED, SAMPLES, run, solid_mark
-from support import model
+from journey import RED, SAMPLES, run, solid_mark
+from support import model, palettes
 from support.mapfiles import NO_GO_MASK, WOODS, MapData, read_bitmap
 
 NAME = "Map102c.dat"
@@ -18,11 +18,6 @@ def find_cell(data, wooded, columns, rows):
 
 def middle(cell):
     return 10 * cell[0] + 5, 10 * cell[1] + 5
-
-
-def paint(journey, place, data, brush, points, key=None):
-    journey.drag_on_map(place, points, key)
-    return model.paint_stroke(data, brush, points, locked=key == "shift")
 
 
 def read_tile(journey, place, cell):
@@ -53,44 +48,39 @@ def first_session(journey):
     journey.picture("session_1_opened")
 
     # A smaller window, so that there is something to scroll.
-    corner = (place.left + place.width - 5, place.top + place.height - 5)
-    journey.drag([corner, (place.left + 950, place.top + 750), (place.left + 900, place.top + 700)], pause=HAND)
-    journey.expect_soon(lambda: journey.map_window().width == 900, "the grow box makes the window 900 wide")
-    place = journey.place_of_map(art)
-    journey.expect((place.width, place.height) == (900, 700), "the grow box makes the window 900 x 700")
+    place = journey.size_by_grow_box(place, art, (950, 750), (900, 700))
     journey.expect_view(place, art, "the smaller window shows the art")
 
-    journey.keys("ctrl+t")
-    palette = journey.wait_window(size=(300, 255))
+    palette = journey.open_palette("ctrl+t")
     journey.expect((palette.left, palette.top) == (25, 50), "the features palette opens at (25, 50)")
     holes = [palette]
-    journey.click_in(palette, 19, 64)  # Woods
+    journey.click_in(palette, *palettes.WOODS)
     marks = lambda: journey.feature_marks(place, data, lambda word: word & WOODS, solid_mark(RED))
     journey.expect_view(place, art, "the woods are marked red", marks(), holes)
 
     start = middle(find_cell(data, False, range(40, 60), range(40, 50)))
     path = [start] + model.line(start, (start[0] + 180, start[1] + 60))
-    reached = paint(journey, place, data, model.feature_brush(WOODS), path)
+    reached = journey.stroke(place, data, model.feature_brush(WOODS), path)
     journey.expect(len(reached) > 15, "the model's stroke reaches many cells")
     journey.expect_view(place, art, "a stroke adds woods", marks(), holes)
 
     start = middle(find_cell(data, True, range(40, 70), range(5, 30)))
     bend = (start[0] + 100, start[1] + 40)
     path = [start] + model.line(start, bend) + model.line(bend, (start[0] + 20, start[1] + 90))
-    paint(journey, place, data, model.feature_brush(WOODS), path)
+    journey.stroke(place, data, model.feature_brush(WOODS), path)
     journey.expect_view(place, art, "a stroke from a wooded cell takes woods away", marks(), holes)
 
     start = middle(find_cell(data, False, range(36, 60), range(55, 60)))
     path = [start] + model.line(start, (start[0] + 150, start[1] - 80))
-    reached = paint(journey, place, data, model.feature_brush(WOODS), path, key="shift")
+    reached = journey.stroke(place, data, model.feature_brush(WOODS), path, key="shift")
     journey.expect(len({row for _, row in reached}) == 1, "the model keeps the locked stroke in one row")
     journey.expect_view(place, art, "Shift keeps the stroke in its row", marks(), holes)
     journey.picture("session_2_woods")
 
-    journey.click_in(palette, 19, 163)  # NO-GO 2
+    journey.click_in(palette, *palettes.NO_GO_2)
     start = (455, 225)
     path = [start] + model.line(start, (655, 225), 6) + model.line((655, 225), (655, 300), 6)
-    reached = paint(journey, place, data, model.no_go_brush(2), path)
+    reached = journey.stroke(place, data, model.no_go_brush(2), path)
     tile = read_tile(journey, place, reached[-1])
     no_go = lambda: journey.feature_marks(place, data, lambda word: word & NO_GO_MASK == 0x0200, tile)
     journey.expect_view(place, art, "NO-GO 2 cells carry their tile", no_go(), holes)
@@ -101,7 +91,7 @@ def first_session(journey):
     journey.expect_view(place, art, "arrow keys and wheel scroll the map and its marks", no_go(), holes)
     start = (805, 565)
     path = [start] + model.line(start, (905, 785), 6)
-    paint(journey, place, data, model.no_go_brush(2), path)
+    journey.stroke(place, data, model.no_go_brush(2), path)
     journey.expect_view(place, art, "the scrolled map takes a stroke", no_go(), holes)
     journey.picture("session_3_no_go")
     journey.wheel_up(place)

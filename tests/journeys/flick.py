@@ -4,7 +4,7 @@ import random
 
 from journey import RED, run, solid_mark
 from support import model
-from support.mapfiles import HI_LOW, coded_art, new_map_data, write_bitmap, write_map
+from support.mapfiles import HI_LOW
 
 
 def flick(journey, place, data, strokes):
@@ -19,15 +19,11 @@ def flick(journey, place, data, strokes):
 
 
 def flicks(journey):
-    art = coded_art(1000, 800)
-    data = new_map_data(160, 1000, 800)
-    write_bitmap(journey.path("Map160c.bmp"), art)
-    write_map(journey.path("Map160c.dat"), data)
+    art, data = journey.make_map(160, 1000, 800)
     journey.start()
     journey.open_map("Map160c.dat")
     place = journey.place_of_map(art)
-    journey.keys("ctrl+t")  # the palette opens with Hi/Low
-    palette = journey.wait_window(size=(300, 255))
+    palette = journey.open_palette("ctrl+t")  # with Hi/Low
     marks = lambda: journey.feature_marks(place, data, lambda word: word & HI_LOW, solid_mark(RED))
     journey.expect_view(place, art, "nothing is marked at first", marks(), [palette])
 

@@ -8,7 +8,8 @@ import subprocess
 import sys
 import time
 
-from support.mapfiles import find_difference
+from support import model, palettes
+from support.mapfiles import coded_art, find_difference, new_map_data, write_bitmap, write_map
 from support.screen import Display, Pixels, wait_until
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
@@ -30,6 +31,17 @@ FILE_MENU, EDIT_MENU, VIEW_MENU, HELP_MENU = range(4)
 def solid_mark(colour):
     """A cell's picture, ten rows of screen pixels, in one colour."""
     return [bytes((colour[2], colour[1], colour[0], 0)) * 10] * 10
+
+
+def runs(places, gap):
+    """The first and last of each run of places, between which less than the gap is missing."""
+    found = []
+    for place in places:
+        if found and place - found[-1][1] < gap:
+            found[-1][1] = place
+        else:
+            found.append([place, place])
+    return found
 
 
 class MapPlace:
@@ -193,40 +205,49 @@ class Journey:
     def drag_on_map(self, place, points, key=None):
         self.drag([place.on_screen(point) for point in points], key)
 
-    # ---- menus and dialogs ----
+    def stroke(self, place, data, brush, points, key=None):
+        """Paints on the map and in the data. Gives the cells reached."""
+        self.drag_on_map(place, points, key)
+        return model.paint_stroke(data, brush, points, locked=key == "shift")
+
+    def size_by_grow_box(self, place, art, via, size, wanted=None):
+        """Drags the grow box so that the window gets that size, by way of another; gives the map's place then."""
+        corner = (place.left + place.width - 8, place.top + place.height - 8)
+        steps = [(place.left + width, place.top + height) for width, height in (via, size)]
+        self.drag([corner, *steps], pause=HAND)
+        width, height = wanted or size
+        self.expect_soon(lambda: self.map_window().width == width, "the grow box makes the window %d wide" % width)
+        window = self.map_window()
+        place = MapPlace(place.left, place.top, window.width, window.top + window.height - place.top, place.h, place.v)
+        place.h = min(place.h, max(art.width - place.view_width, 0))
+        place.v = min(place.v, max(art.height - place.view_height, 0))
+        self.expect((place.width, place.height) == (width, height), "the window is %d x %d" % (width, height))
+        return place
+
+    # ---- menus, palettes and dialogs ----
+
+    def open_palette(self, key):
+        """Opens a palette by its key, ctrl+t or ctrl+m."""
+        self.keys(key)
+        return self.wait_window(size=palettes.FEATURES if key == "ctrl+t" else palettes.MOVE_COSTS)
 
     def menu_titles(self, place):
         """The middle of each title of the menu bar, found by the blank between them."""
         window = self.map_window()
         top, bottom = window.top + 3, place.top - 3
-        middle = (top + bottom) // 2
         shot = self.shot()
-        blank = shot.pixel(window.left + window.width - 5, middle)
-        inked = [
-            x
-            for x in range(window.left + 1, window.left + window.width - 1)
-            if any(shot.pixel(x, y) != blank for y in range(top, bottom))
-        ]
-        words = []
-        for x in inked:
-            if words and x - words[-1][1] < 8:
-                words[-1][1] = x
-            else:
-                words.append([x, x])
-        return [((first + last) // 2, middle) for first, last in words]
+        blank = shot.pixel(window.left + window.width - 5, (top + bottom) // 2)
+        columns = range(window.left + 1, window.left + window.width - 1)
+        words = runs((x for x in columns if any(shot.pixel(x, y) != blank for y in range(top, bottom))), 8)
+        return [((first + last) // 2, (top + bottom) // 2) for first, last in words]
 
     def menu_items(self, menu):
         """The middle of each item of an open menu, separators left out, found by its lines of text."""
         shot = self.shot()
         left, right = menu.left + 4, menu.left + menu.width - 4
         blank = shot.pixel(right, menu.top + 3)
-        lines = []
-        for y in range(menu.top + 3, menu.top + menu.height - 3):
-            if any(shot.pixel(x, y) != blank for x in range(left, right)):
-                if lines and y - lines[-1][1] < 4:
-                    lines[-1][1] = y
-                else:
-                    lines.append([y, y])
+        rows = range(menu.top + 3, menu.top + menu.height - 3)
+        lines = runs((y for y in rows if any(shot.pixel(x, y) != blank for x in range(left, right))), 4)
         return [(menu.left + 40, (first + last) // 2) for first, last in lines if last - first > 3]
 
     def open_menu(self, place, title):
@@ -266,6 +287,13 @@ class Journey:
 
     def path(self, name):
         return os.path.join(self.maps, name)
+
+    def make_map(self, number, width, height):
+        """Writes a map without terrain whose art tells its own places; gives art and data."""
+        art, data = coded_art(width, height), new_map_data(number, width, height)
+        write_bitmap(self.path("Map%03dc.bmp" % number), art)
+        write_map(self.path("Map%03dc.dat" % number), data)
+        return art, data
 
     def read(self, name):
         with open(self.path(name), "rb") as file:
@@ -310,20 +338,18 @@ class Journey:
         top = wait_until(search, "the map's picture in its window")
         return MapPlace(window.left, top, window.width, window.top + window.height - top, h, v)
 
+    def expect_no_fault(self, find_fault, claim):
+        """Expects that before long there is no fault, which is a text, any more."""
+        try:
+            wait_until(lambda: find_fault() is None, claim, 5)
+        except TimeoutError:
+            return self.expect(False, "%s: %s" % (claim, find_fault()))
+        return True
+
     def expect_saved(self, name, data, claim):
         """Expects the file to hold the map, to the byte, before long."""
-        difference = "there is no file"
-
-        def is_saved():
-            nonlocal difference
-            if os.path.exists(self.path(name)):
-                difference = find_difference(data, self.read(name))
-            return difference is None
-
-        try:
-            wait_until(is_saved, claim, 5)
-        except TimeoutError:
-            self.expect(False, "%s: %s" % (claim, difference))
+        exists = lambda: os.path.exists(self.path(name))
+        self.expect_no_fault(lambda: find_difference(data, self.read(name)) if exists() else "there is no file", claim)
 
     # ---- pixels ----
 
@@ -363,18 +389,7 @@ class Journey:
         by_row = {}
         for (column, row), mark in (marks or {}).items():
             by_row.setdefault(row, {})[column] = mark
-        fault = None
-
-        def is_right():
-            nonlocal fault
-            fault = self.find_fault(place, art, by_row, holes)
-            return fault is None
-
-        try:
-            wait_until(is_right, claim, 5)
-        except TimeoutError:
-            return self.expect(False, "%s: %s" % (claim, fault))
-        return True
+        return self.expect_no_fault(lambda: self.find_fault(place, art, by_row, holes), claim)
 
     def feature_marks(self, place, data, is_marked, mark):
         """The marks of the features overlay: the cells of the view, without partly visible last ones."""

@@ -1,10 +1,9 @@
 """The palettes stand where they should, to the pixel, and come back where they were left."""
 
 from journey import HAND, run
-from support.mapfiles import coded_art, new_map_data, write_bitmap, write_map
+from support.palettes import CLOSE_BOX, FEATURES, MOVE_COSTS
 
 OLIVE = (89, 122, 25)
-FEATURES, MOVE_COSTS = (300, 255), (285, 210)
 
 
 def expect_place(journey, window, place, claim):
@@ -12,51 +11,35 @@ def expect_place(journey, window, place, claim):
 
 
 def expect_frame(journey, window, view, art, name):
-    """The frame's edges, each on its own pixel, and the map right beside them."""
+    """The frame's edges on their pixels, and the map right beside them."""
     journey.xdotool("mousemove", window.left + 500, window.top + 350)
     journey.settle()
     shot = journey.shot()
     left, top = window.left, window.top
     right, bottom = left + window.width - 1, top + window.height - 1
-    probes = [
-        (left, top, (0xBB,) * 3),
-        (left, bottom - 20, (0xBB,) * 3),
-        (left + 1, top + 40, (0x77,) * 3),
-        (left + 3, top + 100, (0x33,) * 3),
-        (left + 40, top + 18, (0x33,) * 3),
-        (left + 60, bottom, (0x11,) * 3),
-        (left + 60, bottom - 1, (0x33,) * 3),
-        (left + 60, bottom - 3, (0xAA,) * 3),
-        (right, top + 100, (0x11,) * 3),
-        (right - 1, top + 100, (0x33,) * 3),
-        (right - 3, top + 100, (0xAA,) * 3),
-        (left + 6, top + 22, OLIVE),
-    ]
-    for x, y, colour in probes:
-        journey.expect(
-            shot.pixel(x, y) == colour,
-            "the frame of %s has %s at (%d, %d), not %s" % (name, colour, x - left, y - top, shot.pixel(x, y)),
-        )
+    probes = {
+        (0, 0): (0xBB,) * 3,
+        (3, 100): (0x33,) * 3,
+        (6, 22): OLIVE,
+        (60, window.height - 1): (0x11,) * 3,
+        (window.width - 1, 100): (0x11,) * 3,
+    }
+    for (x, y), wanted in probes.items():
+        found = shot.pixel(left + x, top + y)
+        journey.expect(found == wanted, "%s has %s at (%d, %d), not %s" % (name, wanted, x, y, found))
     for x, y in ((left - 1, top + 30), (right + 1, top + 30), (left + 30, top - 1), (left + 30, bottom + 1)):
         journey.expect(
             shot.pixel(x, y) == art.pixel(x - view.left, y - view.top), "the map begins right beside " + name
         )
 
 
-def open_palette(journey, key, size):
-    journey.keys(key)
-    return journey.wait_window(size=size)
-
-
 def palette_geometry(journey):
-    art = coded_art(1000, 800)
-    write_bitmap(journey.path("Map150c.bmp"), art)
-    write_map(journey.path("Map150c.dat"), new_map_data(150, 1000, 800))
+    art, _ = journey.make_map(150, 1000, 800)
     journey.start()
     journey.open_map("Map150c.dat")
     view = journey.place_of_map(art)
 
-    palette = open_palette(journey, "ctrl+t", FEATURES)
+    palette = journey.open_palette("ctrl+t")
     expect_place(journey, palette, (25, 50), "the features palette opens at (25, 50)")
     expect_frame(journey, palette, view, art, "the features palette")
     journey.expect_view(view, art, "the rest of the map is shown", holes=[palette])
@@ -73,27 +56,25 @@ def palette_geometry(journey):
     expect_frame(journey, palette, view, art, "the dragged palette")
     journey.expect_view(view, art, "the map is whole where the palette and its outline were", holes=[palette])
 
-    journey.click_in(palette, 12, 9)
+    journey.click_in(palette, *CLOSE_BOX)
     journey.wait_gone(palette)
     journey.expect_view(view, art, "the close box leaves the map whole")
     for times in range(2):
-        palette = open_palette(journey, "ctrl+t", FEATURES)
+        palette = journey.open_palette("ctrl+t")
         expect_place(journey, palette, (236, 187), "the palette reopens where it was left, %d" % times)
         journey.answer(palette, "Escape")
 
-    costs = open_palette(journey, "ctrl+m", MOVE_COSTS)
+    costs = journey.open_palette("ctrl+m")
     expect_place(journey, costs, (236, 187), "the move-cost palette opens at the same place")
     expect_frame(journey, costs, view, art, "the move-cost palette")
     journey.expect_view(view, art, "no move cost is marked at first", holes=[costs])
     journey.picture("palette_move_costs")
     journey.drag([(costs.left + 60, costs.top + 9), (costs.left + 200, costs.top + 100), (100, 300)])  # in no time
     journey.expect_soon(lambda: journey.find_window(size=MOVE_COSTS).left == 40, "the move-cost palette is dragged")
-    costs = journey.wait_window(size=MOVE_COSTS)
-    expect_place(journey, costs, (40, 291), "the move-cost palette is where it was dragged")
-    journey.click_in(costs, 272, 9)
+    journey.click_in(journey.wait_window(size=MOVE_COSTS), 272, 9)
     journey.wait_gone(costs)
     journey.expect_view(view, art, "the right box closes the palette and leaves the map whole")
-    palette = open_palette(journey, "ctrl+t", FEATURES)
+    palette = journey.open_palette("ctrl+t")
     expect_place(journey, palette, (40, 291), "the features palette follows the move-cost palette")
     journey.answer(palette, "ctrl+w")
     journey.expect(journey.quit(saves=False) == 0, "the program ends with status 0")

@@ -4,22 +4,24 @@ import os
 
 from journey import run
 from support import model
-from support.mapfiles import HI_LOW, MapData, coded_art, new_map_data, write_bitmap, write_map
+from support.mapfiles import HI_LOW, MapData, new_map_data
 
-SAVE_QUESTION, QUIT_QUESTION = (240, 70), (200, 70)
+SAVE_QUESTION, QUIT_QUESTION, RESCUE_QUESTION = (240, 70), (200, 70), (354, 108)
 NAME = "Map170c.dat"
 
 
-def open_and_paint(journey, art, data, closes_palette=True):
-    """Opens the map and paints one cell, which makes unsaved work."""
+def open_and_paint(journey, art, data, closes_palette=True, is_kept=False):
+    """Opens the map, without the work that was kept, and paints one cell, which makes unsaved work."""
     journey.start()
     journey.open_map(NAME)
+    if is_kept:
+        question = journey.wait_window(size=RESCUE_QUESTION)
+        journey.click_in(question, 259, 88)
+        journey.wait_gone(question)
     place = journey.place_of_map(art)
-    journey.keys("ctrl+t")
-    palette = journey.wait_window(size=(300, 255))
+    palette = journey.open_palette("ctrl+t")
     point = (455, 355)
-    journey.drag_on_map(place, [point])
-    model.paint_stroke(data, model.feature_brush(HI_LOW), [point])
+    journey.stroke(place, data, model.feature_brush(HI_LOW), [point])
     left, top = place.on_screen(point)
     marked = data.cell(45, 35) & HI_LOW != 0
     journey.expect_soon(lambda: (journey.shot().pixel(left, top) == (255, 0, 0)) == marked, "a click paints a cell")
@@ -28,10 +30,7 @@ def open_and_paint(journey, art, data, closes_palette=True):
 
 
 def quit_questions(journey):
-    art = coded_art(600, 500)
-    data = new_map_data(170, 600, 500)
-    write_bitmap(journey.path("Map170c.bmp"), art)
-    write_map(journey.path(NAME), data)
+    art, data = journey.make_map(170, 600, 500)
     original = journey.read(NAME)
 
     open_and_paint(journey, art, data)
@@ -70,17 +69,13 @@ def quit_questions(journey):
     journey.expect(journey.quit() == 0, "Yes ends the program with status 0")
 
     saved = journey.read(NAME)
-    open_and_paint(journey, art, MapData(saved))
-    journey.display.ask_to_close(journey.map_window())
-    journey.expect(journey.wait_exit() == 0, "a close request ends the program with status 0 and asks nothing")
-    journey.expect(journey.read(NAME) == saved, "a close request writes nothing")
-
-    open_and_paint(journey, art, MapData(saved), closes_palette=False)
+    for closes_palette in (True, False):
+        open_and_paint(journey, art, MapData(saved), closes_palette, is_kept=not closes_palette)
+        journey.display.ask_to_close(journey.map_window())
+        journey.expect(journey.wait_exit() == 0, "a close request ends the program with status 0 and asks nothing")
+    open_and_paint(journey, art, MapData(saved), closes_palette=False, is_kept=True)
     journey.expect(journey.quit(saves=False) == 0, "No Save ends the program also with a palette open")
-    open_and_paint(journey, art, MapData(saved), closes_palette=False)
-    journey.display.ask_to_close(journey.map_window())
-    journey.expect(journey.wait_exit() == 0, "a close request ends the program also with a palette open")
-    journey.expect(journey.read(NAME) == saved, "neither writes anything")
+    journey.expect(journey.read(NAME) == saved, "none of these writes anything")
 
     journey.start()
     journey.display.ask_to_close(journey.map_window())

@@ -4,15 +4,11 @@ import os
 import shutil
 
 from journey import EDIT_MENU, GREY_192, STRIP_HEIGHT, TITLE, VIEW_MENU, run
-from support import model
+from support import model, palettes
 from support.mapfiles import HI_LOW, ROAD, TOWN, WOODS, coded_art, new_map_data, write_bitmap
 
 WIDTH, HEIGHT = 855, 625
-FEATURES, MOVE_COSTS = (300, 255), (285, 210)
-FILL_QUESTIONS = {FEATURES: (190, 40), MOVE_COSTS: (130, 40)}
-FEATURE_BOXES = {WOODS: (19, 64), TOWN: (19, 80), ROAD: (19, 96)}
-NO_GO_BOXES = {1: (19, 147), 2: (19, 163), 4: (19, 179)}
-COST_BOXES = {0: (19, 50), 1: (19, 66), 2: (19, 82), 3: (19, 98), 4: (19, 114), 6: (19, 130)}
+FILL_QUESTIONS = {palettes.FEATURES: (190, 40), palettes.MOVE_COSTS: (130, 40)}
 ANALYSIS_COSTS = {0: (221,) * 3, 1: (153,) * 3, 2: (102,) * 3, 3: (85,) * 3, 4: (0,) * 3, 6: (166, 202, 240)}
 
 
@@ -39,25 +35,22 @@ def new_map(journey, art):
 
 
 def paint_terrain(journey, place, data):
-    journey.keys("ctrl+t")
-    palette = journey.wait_window(size=FEATURES)
+    palette = journey.open_palette("ctrl+t")
     strokes = [
         (None, model.feature_brush(HI_LOW), (405, 105), (605, 185)),
-        (FEATURE_BOXES[WOODS], model.feature_brush(WOODS), (415, 155), (595, 155)),
-        (FEATURE_BOXES[TOWN], model.feature_brush(TOWN), (505, 85), (505, 255)),
-        (FEATURE_BOXES[ROAD], model.feature_brush(ROAD), (405, 205), (705, 205)),
-        (NO_GO_BOXES[1], model.no_go_brush(1), (655, 105), (655, 305)),
-        (NO_GO_BOXES[2], model.no_go_brush(2), (605, 285), (805, 285)),
-        (NO_GO_BOXES[4], model.no_go_brush(4), (755, 255), (755, 325)),
+        (palettes.WOODS, model.feature_brush(WOODS), (415, 155), (595, 155)),
+        (palettes.TOWN, model.feature_brush(TOWN), (505, 85), (505, 255)),
+        (palettes.ROAD, model.feature_brush(ROAD), (405, 205), (705, 205)),
+        (palettes.NO_GO_1, model.no_go_brush(1), (655, 105), (655, 305)),
+        (palettes.NO_GO_2, model.no_go_brush(2), (605, 285), (805, 285)),
+        (palettes.NO_GO_3, model.no_go_brush(4), (755, 255), (755, 325)),
     ]
     for box, brush, start, end in strokes:
         if box:  # the palette opens with Hi/Low
             journey.click_in(palette, *box)
-        points = [start] + model.line(start, end)
-        journey.drag_on_map(place, points)
-        model.paint_stroke(data, brush, points)
+        journey.stroke(place, data, brush, [start] + model.line(start, end))
     journey.settle()
-    journey.click_in(palette, *FEATURE_BOXES[WOODS])
+    journey.click_in(palette, *palettes.WOODS)
     fill(journey, place, data, palette, model.feature_brush(WOODS), (415, 345), (548, 471), (95, 20))
     journey.picture("day_2_terrain")
     journey.answer(palette, "Escape")
@@ -68,13 +61,9 @@ def fill(journey, place, data, palette, brush, start, end, button, key="alt"):
     journey.drag_on_map(place, [start] + model.line(start, end, 20), key)
     question = journey.wait_window(size=FILL_QUESTIONS[palette.size()])
 
-    wanted = (10 * ((max(start[0], end[0]) + 1) // 10), 10 * ((max(start[1], end[1]) + 1) // 10))
-    bottom_right = place.on_screen(wanted)
-    journey.expect(
-        (question.left + question.width, question.top) == bottom_right,
-        "the fill question hangs at the selection's corner %s, not at %s"
-        % (bottom_right, (question.left + question.width, question.top)),
-    )
+    wanted = place.on_screen([10 * ((max(start[i], end[i]) + 1) // 10) for i in range(2)])
+    hangs_at = (question.left + question.width, question.top)
+    journey.expect(hangs_at == wanted, "the fill question hangs at the corner %s, not %s" % (wanted, hangs_at))
     journey.expect_soon(lambda: not journey.find_window(size=palette.size()), "the palette hides under the question")
     journey.click_in(question, *button)
     journey.wait_gone(question)
@@ -85,8 +74,7 @@ def fill(journey, place, data, palette, brush, start, end, button, key="alt"):
 
 
 def paint_costs(journey, place, data):
-    journey.keys("ctrl+m")
-    palette = journey.wait_window(size=MOVE_COSTS)
+    palette = journey.open_palette("ctrl+m")
     for code, (start, end) in {
         1: ((355, 45), (555, 45)),
         2: ((355, 65), (555, 65)),
@@ -94,15 +82,13 @@ def paint_costs(journey, place, data):
         4: ((355, 105), (405, 145)),
         6: ((705, 45), (805, 145)),
     }.items():
-        journey.click_in(palette, *COST_BOXES[code])
-        points = [start] + model.line(start, end)
-        journey.drag_on_map(place, points)
-        model.paint_stroke(data, model.cost_brush(code), points)
+        journey.click_in(palette, *palettes.COSTS[code])
+        journey.stroke(place, data, model.cost_brush(code), [start] + model.line(start, end))
     journey.settle()
     fill(journey, place, data, palette, model.cost_brush(6), (605, 405), (742, 513), (35, 20))
-    journey.click_in(palette, *COST_BOXES[3])
+    journey.click_in(palette, *palettes.COSTS[3])
     fill(journey, place, data, palette, model.cost_brush(3), (590, 470), (455, 345), (35, 20), key="super")
-    journey.click_in(palette, 200, 155)  # Set Woods & Towns to R2
+    journey.click_in(palette, *palettes.ROUGH_TOWNS)
     journey.answer(journey.wait_window(size=(200, 100)))
     model.set_woods_and_towns_to_rough2(data)
     journey.settle()
@@ -189,8 +175,6 @@ def working_day(journey):
     place = journey.place_of_map(art)
     journey.keys("F8")
     expect_pixels(journey, place, [((455, 355), (102, 204, 102)), ((21, 22), (221,) * 3)], "the map opened again")
-    journey.keys("F8")
-    journey.expect_view(place, art, "the analysis goes again")
     journey.save()
     journey.expect_soon(
         lambda: os.path.exists(journey.path("Map181c.dat_old")), "a save under the same number makes a backup"

@@ -52,7 +52,7 @@ void UpdateFrame(HeadlessWindow* window)
 
 uint32_t PicturePixel(const HeadlessWindow* window, int x, int y)
 {
-    if (!window->picture || x >= window->pictureWidth || y >= window->pictureHeight) {
+    if ((window->picture == nullptr) || x >= window->pictureWidth || y >= window->pictureHeight) {
         return behindPicture;
     }
     return window->picture[static_cast<size_t>(y) * static_cast<size_t>(window->pictureStride) +
@@ -156,7 +156,7 @@ HostWindow* CreateWindow(const HostWindowRequest* request, void* token)
     window->token = token;
     window->kind = request->kind;
     window->owner = request->owner;
-    window->title = request->title ? request->title : "";
+    window->title = request->title != nullptr ? request->title : "";
     window->noClose = request->noClose;
     int width = request->clientWidth;
     int height = request->clientHeight;
@@ -208,6 +208,7 @@ void ShowWindow(HostWindow* handle, int how)
 
 void RaiseWindow(HostWindow* handle)
 {
+    headless.raises++;
     PutOnTop(FromHandle(handle));
 }
 
@@ -232,7 +233,7 @@ void LimitSize(HostWindow* handle, int minWidth, int minHeight, int maxWidth, in
 
 void SetTitle(HostWindow* handle, const char* title)
 {
-    FromHandle(handle)->title = title ? title : "";
+    FromHandle(handle)->title = title != nullptr ? title : "";
 }
 
 void SetIcons(HostWindow* handle, const HostImage*, int count)
@@ -257,6 +258,7 @@ void Present(HostWindow* handle, const HostRect* part)
     }
     window->presentCount++;
     headless.presentCount++;
+    window->presented = *part;
     CopyPicture(window, *part);
 }
 
@@ -321,7 +323,7 @@ void Pointer(int* x, int* y)
 unsigned Buttons()
 {
     Look();
-    return headless.buttons;
+    return headless.sessionEnded ? 0 : headless.buttons;
 }
 
 unsigned Modifiers()
@@ -338,7 +340,7 @@ void WarpPointer(int x, int y)
 
 void CapturePointer(HostWindow* window)
 {
-    headless.captured = window && FromHandle(window)->visible ? window : nullptr;
+    headless.captured = (window != nullptr) && FromHandle(window)->visible ? window : nullptr;
 }
 
 void SetCursor(int kind, const HostImage* image, int hotX, int hotY)
@@ -367,7 +369,7 @@ int ChooseFile(const HostFileRequest* request, char* path, int size)
     std::string answer;
     const bool chosen = TakeFileAnswer(&answer);
     headless.fileDialogs.push_back({request->title, request->filterText, request->filterPattern,
-                                    request->folder ? request->folder : "", answer});
+                                    request->folder != nullptr ? request->folder : "", answer});
     if (!chosen || size <= 0 || answer.size() >= static_cast<size_t>(size)) {
         return 0;
     }
@@ -431,7 +433,7 @@ HostEvent EventOfNow(int kind, const HeadlessWindow* window)
 {
     HostEvent event = {};
     event.kind = kind;
-    event.token = window ? window->token : nullptr;
+    event.token = window != nullptr ? window->token : nullptr;
     event.screenX = headless.pointer.x;
     event.screenY = headless.pointer.y;
     event.buttons = headless.buttons;
@@ -475,7 +477,7 @@ HeadlessWindow* FirstFrame()
 HeadlessWindow* KeyboardWindow()
 {
     HeadlessWindow* frame = FirstFrame();
-    if (frame && frame->visible) {
+    if ((frame != nullptr) && frame->visible) {
         return frame;
     }
     for (HeadlessWindow* window : headless.windows) {
@@ -533,6 +535,11 @@ void HeadlessReset(int screenWidth, int screenHeight)
     ResetScript();
 }
 
+void HeadlessReport(const HostEvent& event)
+{
+    QueueEvent(event);
+}
+
 const HeadlessWindow* HeadlessFrame()
 {
     return FirstFrame();
@@ -551,7 +558,7 @@ const HeadlessWindow* HeadlessPopup()
 ScriptPoint HeadlessClientOrigin()
 {
     const HeadlessWindow* frame = FirstFrame();
-    return frame ? ScriptPoint{frame->client.left, frame->client.top} : ScriptPoint{0, 0};
+    return frame != nullptr ? ScriptPoint{frame->client.left, frame->client.top} : ScriptPoint{0, 0};
 }
 
 const HeadlessMenuItem* HeadlessMenuCommand(int command)
@@ -604,7 +611,7 @@ uint32_t HeadlessPixel(int x, int y)
 int HeadlessScreenshot(const char* path)
 {
     std::FILE* file = std::fopen(path, "wb");
-    if (!file) {
+    if (file == nullptr) {
         return 1;
     }
     std::fprintf(file, "P6\n%d %d\n255\n", headless.screenWidth, headless.screenHeight);

@@ -46,12 +46,15 @@ void ScriptMenu(int command, int delay = scriptDelay);
 void ScriptResize(int clientWidth, int clientHeight, int delay = scriptDelay);
 void ScriptMoveFrame(int left, int top, int delay = scriptDelay);
 void ScriptClose(int delay = scriptDelay); // the first framed window
+void ScriptSessionEnd(int delay = scriptDelay);
 void ScriptActivate(int active, int delay = scriptDelay);
 // A scroll request of the vertical or horizontal bar; ignored while there is none.
 void ScriptScroll(int vertical, int code, int position, int delay = scriptDelay);
 // Runs a check in the middle of the script. It may read the state and append steps, which then follow at once.
 void ScriptCall(std::function<void()> call, int delay = scriptDelay);
 void ScriptWait(int milliseconds);
+// Queues at once what no script does, for the window of its token.
+void HeadlessReport(const HostEvent& event);
 // Answers for the coming file dialogs, in their order; without one a dialog is cancelled.
 void ScriptFile(const char* path);
 void ScriptFileCancel();
@@ -95,6 +98,7 @@ struct HeadlessWindow {
     int maxHeight;
     int iconCount;
     int presentCount;
+    HostRect presented;      // at the last time
     const uint32_t* picture; // the program's pixels
     int pictureWidth;
     int pictureHeight;
@@ -118,11 +122,13 @@ struct HeadlessState {
     ScriptPoint pointer = {640, 512};
     unsigned buttons = 0;
     unsigned modifiers = 0;
+    int sessionEnded = 0;
     std::vector<HeadlessWindow*> windows; // topmost first
     std::vector<HeadlessMenuItem> menuItems;
     std::vector<HeadlessBar*> bars;
     HostWindow* captured = nullptr;
     int refusedChoices = 0;
+    int impatience = 0; // requests to close because the script had ended and the program had not
     int presentCount = 0;
     std::vector<uint32_t> sounds; // sizes of the files played
     int beeps = 0;
@@ -136,9 +142,10 @@ struct HeadlessState {
     std::vector<HostSegment> outline;
     int outlineChanges = 0; // calls that showed an outline
     int warps = 0;
+    int raises = 0;
 };
 
-// For reading only.
+// For reading; a test may set what the user holds.
 extern HeadlessState headless;
 
 // Forgets everything, windows and script included, and begins with a fresh screen.

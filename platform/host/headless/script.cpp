@@ -128,10 +128,10 @@ void Append(int delay, std::function<void()> act)
 // A captured pointer belongs to the captor, a held one to the window that got the press.
 HeadlessWindow* PointerTarget()
 {
-    if (headless.captured) {
+    if (headless.captured != nullptr) {
         return reinterpret_cast<HeadlessWindow*>(headless.captured);
     }
-    if (headless.buttons != 0 && script.pressed) {
+    if (headless.buttons != 0 && (script.pressed != nullptr)) {
         return script.pressed;
     }
     return headless.buttons == script.delivered ? WindowUnderPointer() : nullptr;
@@ -142,7 +142,7 @@ void PressButton(int button)
     const unsigned mask = static_cast<unsigned>(button);
     HeadlessWindow* target = PointerTarget();
     headless.buttons |= mask;
-    if (!target) {
+    if (target == nullptr) {
         return;
     }
     script.pressed = target;
@@ -161,7 +161,7 @@ void ReleaseButtons()
         }
         const HeadlessWindow* target = PointerTarget();
         headless.buttons &= ~mask;
-        if (target && (script.delivered & mask)) {
+        if ((target != nullptr) && (script.delivered & mask)) {
             HostEvent event = EventOfNow(hostPointerUp, target);
             event.button = button;
             QueueEvent(event);
@@ -180,7 +180,7 @@ void KeyTo(int virtualKey, bool down)
         headless.modifiers &= ~modifier;
     }
     const HeadlessWindow* window = KeyboardWindow();
-    if (!window) {
+    if (window == nullptr) {
         return;
     }
     HostEvent event = EventOfNow(down ? hostKeyDown : hostKeyUp, window);
@@ -192,9 +192,10 @@ void KeyTo(int virtualKey, bool down)
 void ChooseCommand(int command)
 {
     const HeadlessMenuItem* item = HeadlessMenuCommand(command);
-    const HeadlessMenuItem* title = item ? HeadlessMenuTitle(item->menu) : nullptr;
+    const HeadlessMenuItem* title = item != nullptr ? HeadlessMenuTitle(item->menu) : nullptr;
     const HeadlessWindow* window = FirstFrame();
-    if (!item || !title || !item->enabled || !title->enabled || !window || !window->visible) {
+    if ((item == nullptr) || (title == nullptr) || !item->enabled || !title->enabled || (window == nullptr) ||
+        !window->visible) {
         headless.refusedChoices++;
         return;
     }
@@ -214,7 +215,7 @@ int Bounded(int value, int minimum, int maximum)
 void ResizeByUser(int width, int height)
 {
     HeadlessWindow* window = FirstFrame();
-    if (!window) {
+    if (window == nullptr) {
         return;
     }
     SetClientSize(window, Bounded(width, window->minWidth, window->maxWidth),
@@ -241,7 +242,7 @@ void RunStep()
     std::fprintf(
         stderr,
         "headless host: the script ended, but the program %s (window \"%s\", %d windows, %u ms on the clock)\n", how,
-        frame ? frame->title.c_str() : "", static_cast<int>(headless.windows.size()), headless.now);
+        frame != nullptr ? frame->title.c_str() : "", static_cast<int>(headless.windows.size()), headless.now);
     std::exit(3);
 }
 
@@ -255,6 +256,7 @@ void IdleWait()
     if (script.closeRequests++ >= closeRequestLimit) {
         EndStuckProgram("still waits for events after 20 requests to close");
     }
+    headless.impatience++;
     if (const HeadlessWindow* frame = FirstFrame()) {
         QueueEvent(EventOfNow(hostCloseRequest, frame));
     }
@@ -333,7 +335,7 @@ void MovePointer(int x, int y)
 
 bool TakeFileAnswer(std::string* path)
 {
-    if (script.files.empty()) {
+    if (script.files.empty() || headless.sessionEnded) {
         return false;
     }
     const std::optional<std::string> answer = script.files.front();
@@ -389,10 +391,10 @@ void ScriptWheel(int delta, int delay)
     Append(delay, [=] {
         // Over a scroll bar, too, the wheel is the window's.
         HeadlessWindow* window = WindowUnderPointer();
-        if (!window) {
+        if (window == nullptr) {
             window = FirstFrame();
         }
-        if (!window) {
+        if (window == nullptr) {
             return;
         }
         HostEvent event = EventOfNow(hostWheel, window);
@@ -481,6 +483,14 @@ void ScriptClose(int delay)
     });
 }
 
+void ScriptSessionEnd(int delay)
+{
+    Append(delay, [] {
+        headless.sessionEnded = 1;
+        QueueEvent(EventOfNow(hostSessionEnd, nullptr));
+    });
+}
+
 void ScriptActivate(int active, int delay)
 {
     Append(delay, [=] {
@@ -494,7 +504,7 @@ void ScriptScroll(int vertical, int code, int position, int delay)
 {
     Append(delay, [=] {
         const HeadlessBar* bar = HeadlessScrollBar(vertical);
-        if (!bar) {
+        if (bar == nullptr) {
             return;
         }
         HostEvent event = EventOfNow(hostScroll, FirstFrame());

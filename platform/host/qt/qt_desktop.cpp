@@ -39,16 +39,19 @@ class OpenDialog : public QFileDialog {
 
 int ChooseFile(const HostFileRequest* request, char* path, int size)
 {
+    if (SessionEnded()) {
+        return 0;
+    }
     ReleaseHeldKeys();
-    QWidget* owner = request->owner ? FromHandle(request->owner)->top : nullptr;
-    QString filter = QString::fromUtf8(request->filterText ? request->filterText : "");
-    const QString pattern = QString::fromUtf8(request->filterPattern ? request->filterPattern : "*");
+    QWidget* owner = request->owner != nullptr ? FromHandle(request->owner)->top : nullptr;
+    QString filter = QString::fromUtf8(request->filterText != nullptr ? request->filterText : "");
+    const QString pattern = QString::fromUtf8(request->filterPattern != nullptr ? request->filterPattern : "*");
     if (!filter.contains(QLatin1Char('(') + pattern + QLatin1Char(')'))) {
         filter += QStringLiteral(" (%1)").arg(pattern);
     }
 
-    OpenDialog dialog(owner, QString::fromUtf8(request->title ? request->title : ""),
-                      QFile::decodeName(request->folder ? request->folder : ""));
+    OpenDialog dialog(owner, QString::fromUtf8(request->title != nullptr ? request->title : ""),
+                      QFile::decodeName(request->folder != nullptr ? request->folder : ""));
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setNameFilter(filter);
@@ -57,7 +60,7 @@ int ChooseFile(const HostFileRequest* request, char* path, int size)
     }
     const bool accepted = dialog.exec() == QDialog::Accepted;
     dialog.hide();
-    if (owner) {
+    if (owner != nullptr) {
         owner->activateWindow(); // where no window manager hands the focus back
     }
     const QStringList files = dialog.selectedFiles();

@@ -9,6 +9,7 @@
 #include <QPalette>
 #include <QProxyStyle>
 #include <QScreen>
+#include <QThread>
 #include <QTimer>
 #include <clocale>
 #include <cstdio>
@@ -99,7 +100,8 @@ int Start()
         qputenv("QT_QPA_PLATFORM", "xcb");
         if (OpenServer() != 0) {
             const char* display = std::getenv("DISPLAY");
-            std::fprintf(stderr, "kestrel-map-tool: cannot open the display \"%s\"\n", display ? display : "");
+            std::fprintf(stderr, "kestrel-map-tool: cannot open the display \"%s\"\n",
+                         display != nullptr ? display : "");
             return 1;
         }
     }
@@ -119,14 +121,16 @@ int Start()
     waitTimer = new QTimer(application);
     waitTimer->setSingleShot(true);
     waitTimer->setTimerType(Qt::PreciseTimer);
+    WatchSession(application);
     return 0;
 }
 
 void Stop()
 {
-    if (!application) {
+    if (application == nullptr) {
         return;
     }
+    UnwatchSession();
     application->disconnect();
     DestroyOutline();
     while (!windows.empty()) {
@@ -164,7 +168,7 @@ HostEvent EventOfNow(int kind, const Window* window)
 {
     HostEvent event = {};
     event.kind = kind;
-    event.token = window ? window->token : nullptr;
+    event.token = window != nullptr ? window->token : nullptr;
     const Devices devices = QueryDevices();
     event.screenX = devices.pointer.x();
     event.screenY = devices.pointer.y();
@@ -198,14 +202,14 @@ void QueueGeometry(Window* window)
 void ForgetEvents(const Window* window, const HostScrollBar* bar)
 {
     std::erase_if(events, [&](const HostEvent& event) {
-        return (window && event.token == window->token) || (bar && event.bar == bar);
+        return ((window != nullptr) && event.token == window->token) || ((bar != nullptr) && event.bar == bar);
     });
 }
 
 void Pump(int waitMilliseconds)
 {
     if (waitMilliseconds <= 0) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents);
+        HandleQtEvents();
         return;
     }
     if (!events.empty()) {
@@ -215,7 +219,10 @@ void Pump(int waitMilliseconds)
     waiting = true;
     waitTimer->start(waitMilliseconds);
     while (events.empty() && waitTimer->isActive()) {
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        if (!HandleQtEvents(QEventLoop::WaitForMoreEvents) && events.empty()) {
+            QThread::msleep(static_cast<unsigned long>(waitMilliseconds));
+            break;
+        }
     }
     waitTimer->stop();
     waiting = false;

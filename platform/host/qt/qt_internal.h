@@ -8,6 +8,7 @@
 
 #include "platform/host/host.h"
 
+#include <QEventLoop>
 #include <QImage>
 #include <QKeyEvent>
 #include <QMenu>
@@ -63,6 +64,17 @@ void ForgetEvents(const Window* window, const HostScrollBar* bar);
 // Lets Qt handle what has arrived; when that queued nothing, waits up to this long for something to be queued.
 void Pump(int waitMilliseconds);
 uint32_t Ticks();
+
+// ---- qt_session.cpp ----
+
+// From here on SIGTERM, SIGHUP and SIGINT end the session.
+void WatchSession(QObject* owner);
+void UnwatchSession();
+bool SessionEnded();
+// Lets Qt handle events, unless the display is gone: then Qt would end the process on the spot, and the session ends
+// instead, and the answer is false. Qt finds out first when it sleeps while that happens; what must not be lost then
+// is kept by std::atexit.
+bool HandleQtEvents(QEventLoop::ProcessEventsFlags flags = QEventLoop::AllEvents);
 
 // ---- qt_windows.cpp ----
 

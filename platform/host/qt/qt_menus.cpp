@@ -60,7 +60,7 @@ class MenuBar : public QMenuBar {
 void BuildMenu(HostWindow* handle, const HostMenuItem* items, int count)
 {
     Window* window = FromHandle(handle);
-    if (window->kind != hostFramedWindow || window->menuBar) {
+    if (window->kind != hostFramedWindow || (window->menuBar != nullptr)) {
         return;
     }
     const QSize client = window->client->size();

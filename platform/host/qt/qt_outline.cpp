@@ -31,7 +31,7 @@ void RestoreUnder(const std::vector<QRect>& places)
     for (const Window* window : windows) {
         QBackingStore* store = window->top->backingStore();
         QWindow* native = window->top->windowHandle();
-        if (!store || !native || !native->isExposed()) {
+        if ((store == nullptr) || (native == nullptr) || !native->isExposed()) {
             continue;
         }
         QRegion region;

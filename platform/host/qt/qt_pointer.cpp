@@ -45,7 +45,7 @@ CursorState* cursorState = nullptr;
 QPoint ToServer(int x, int y)
 {
     const QScreen* screen = QGuiApplication::screenAt(QPoint(x, y));
-    if (!screen) {
+    if (screen == nullptr) {
         screen = QGuiApplication::primaryScreen();
     }
     const QPoint corner = screen->geometry().topLeft();
@@ -109,12 +109,17 @@ unsigned HostButtonsOf(Qt::MouseButtons buttons)
 
 Devices QueryDevices()
 {
+    static QPoint lastPointer;
     Devices devices = {};
     ServerPointer server = {};
     if (QueryServerPointer(&server)) {
-        devices.pointer = ToLogical(server.x, server.y);
+        devices.pointer = lastPointer = ToLogical(server.x, server.y);
         devices.buttons = Translate(buttonMasks, server.mask);
         devices.modifiers = Translate(modifierMasks, server.mask);
+        return devices;
+    }
+    if (DisplayIsLost()) {
+        devices.pointer = lastPointer;
         return devices;
     }
     devices.pointer = QCursor::pos();
@@ -132,7 +137,7 @@ void Pointer(int* x, int* y)
 
 unsigned Buttons()
 {
-    return QueryDevices().buttons;
+    return SessionEnded() ? 0 : QueryDevices().buttons;
 }
 
 unsigned Modifiers()
@@ -150,14 +155,14 @@ void WarpPointer(int x, int y)
 
 void CapturePointer(HostWindow* handle)
 {
-    if (captured) {
+    if (captured != nullptr) {
         captured->client->releaseMouse();
     }
-    captured = handle ? FromHandle(handle) : nullptr;
-    if (captured && !captured->client->isVisible()) {
+    captured = handle != nullptr ? FromHandle(handle) : nullptr;
+    if ((captured != nullptr) && !captured->client->isVisible()) {
         captured = nullptr;
     }
-    if (captured) {
+    if (captured != nullptr) {
         captured->client->grabMouse();
     }
     FlushDisplay();
@@ -177,7 +182,7 @@ void SetCursor(int kind, const HostImage* image, int hotX, int hotY)
         pixels = QImage(reinterpret_cast<const uchar*>(image->pixels), image->width, image->height, image->width * 4,
                         QImage::Format_ARGB32);
     }
-    if (!cursorState) {
+    if (cursorState == nullptr) {
         cursorState = new CursorState;
     }
     // The program sets its cursor at every move of the pointer.
@@ -202,7 +207,7 @@ void SetCursor(int kind, const HostImage* image, int hotX, int hotY)
 
 void ApplyCursor(Window* window)
 {
-    if (cursorState) {
+    if (cursorState != nullptr) {
         window->client->setCursor(cursorState->cursor);
     }
 }

@@ -1,5 +1,7 @@
 #include "platform/host/qt/qt_server.h"
 
+#include "platform/host/qt/qt_internal.h"
+
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QThread>
@@ -32,7 +34,7 @@ using ReplyOf = std::unique_ptr<Reply, FreeReply>;
 xcb_connection_t* QtConnection()
 {
     const auto* x11 = qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
-    return x11 ? x11->connection() : nullptr;
+    return x11 != nullptr ? x11->connection() : nullptr;
 }
 
 xcb_window_t IdOf(const QWindow* window)
@@ -60,15 +62,22 @@ int OpenServer()
 
 void CloseServer()
 {
-    if (server) {
+    if (server != nullptr) {
         xcb_disconnect(server);
     }
     server = nullptr;
 }
 
+bool DisplayIsLost()
+{
+    xcb_connection_t* connection = QtConnection();
+    return server != nullptr && (xcb_connection_has_error(server) != 0 ||
+                                 (connection != nullptr && xcb_connection_has_error(connection) != 0));
+}
+
 bool QueryServerPointer(ServerPointer* pointer)
 {
-    if (!server) {
+    if (server == nullptr) {
         return false;
     }
     const ReplyOf<xcb_query_pointer_reply_t> reply(
@@ -82,7 +91,7 @@ bool QueryServerPointer(ServerPointer* pointer)
 
 bool KeyIsDown(unsigned scanCode)
 {
-    if (!server) {
+    if (server == nullptr) {
         return false;
     }
     const ReplyOf<xcb_query_keymap_reply_t> reply(xcb_query_keymap_reply(server, xcb_query_keymap(server), nullptr));
@@ -91,7 +100,7 @@ bool KeyIsDown(unsigned scanCode)
 
 bool WarpServerPointer(int x, int y)
 {
-    if (!server) {
+    if (server == nullptr) {
         return false;
     }
     xcb_warp_pointer(server, XCB_NONE, rootWindow, 0, 0, 0, 0, static_cast<int16_t>(x), static_cast<int16_t>(y));
@@ -101,7 +110,7 @@ bool WarpServerPointer(int x, int y)
 
 bool QueryServerPlace(const QWindow* window, int* x, int* y)
 {
-    if (!server) {
+    if (server == nullptr) {
         return false;
     }
     const ReplyOf<xcb_translate_coordinates_reply_t> reply(xcb_translate_coordinates_reply(
@@ -116,7 +125,7 @@ bool QueryServerPlace(const QWindow* window, int* x, int* y)
 
 bool QueryServerSize(const QWindow* window, int* width, int* height)
 {
-    if (!server) {
+    if (server == nullptr) {
         return false;
     }
     const ReplyOf<xcb_get_geometry_reply_t> reply(
@@ -147,7 +156,7 @@ void FlushDisplay()
 void WaitUntilWithdrawn(const QWindow* window)
 {
     FlushDisplay();
-    if (!server || !window) {
+    if ((server == nullptr) || (window == nullptr)) {
         return;
     }
     QElapsedTimer timer;
@@ -160,12 +169,12 @@ void WaitUntilWithdrawn(const QWindow* window)
         }
         QThread::msleep(1);
     }
-    QCoreApplication::processEvents(QEventLoop::AllEvents);
+    HandleQtEvents();
 }
 
 void ClearServerTitle(const QWindow* window)
 {
-    if (!server || !window) {
+    if ((server == nullptr) || (window == nullptr)) {
         return;
     }
     // After what Qt has asked for on its own connection.
@@ -186,7 +195,7 @@ void ClearServerTitle(const QWindow* window)
 void SetDashedGround(WId window)
 {
     xcb_connection_t* connection = QtConnection();
-    if (!connection) {
+    if (connection == nullptr) {
         return;
     }
     const xcb_window_t id = static_cast<xcb_window_t>(window);

@@ -16,6 +16,8 @@ struct ServerPointer {
 // 0 when the X server answers; otherwise the application object must not be made, since Qt would end the program.
 int OpenServer();
 void CloseServer();
+// Whether the X server has gone away. What was asked of it since was for nothing.
+bool DisplayIsLost();
 bool QueryServerPointer(ServerPointer* pointer);
 // Whether the key with this X11 code is down now.
 bool KeyIsDown(unsigned scanCode);

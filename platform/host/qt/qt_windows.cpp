@@ -160,7 +160,7 @@ class OuterFrame : public QWidget {
 
     void resizeEvent(QResizeEvent*) override
     {
-        if (window->menuBar) {
+        if (window->menuBar != nullptr) {
             window->menuBar->setGeometry(0, 0, width(), window->menuHeight);
         }
         window->client->setGeometry(0, window->menuHeight, width(), std::max(height() - window->menuHeight, 0));
@@ -200,8 +200,7 @@ void WaitUntilShown(const Window* window)
     QElapsedTimer timer;
     timer.start();
     const QWindow* native = window->top->windowHandle();
-    while (native && !native->isExposed() && timer.elapsed() < showDeadline) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents);
+    while ((native != nullptr) && !native->isExposed() && timer.elapsed() < showDeadline && HandleQtEvents()) {
         if (!native->isExposed()) {
             QThread::msleep(1);
         }
@@ -217,10 +216,10 @@ void SettlePlace(Window* window, QPoint asked)
     timer.start();
     QPoint real = asked;
     for (;;) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents);
+        HandleQtEvents();
         int x = 0;
         int y = 0;
-        if (!native || !QueryServerPlace(native, &x, &y)) {
+        if ((native == nullptr) || !QueryServerPlace(native, &x, &y)) {
             return;
         }
         real = ToLogical(x, y);
@@ -246,7 +245,7 @@ void SettlePlace(Window* window, QPoint asked)
 void SettleSize(Window* window)
 {
     const QWindow* native = window->top->windowHandle();
-    if (window->kind != hostFramedWindow || !native || !window->top->isVisible()) {
+    if (window->kind != hostFramedWindow || (native == nullptr) || !window->top->isVisible()) {
         return;
     }
     const QSize asked = window->top->size();
@@ -262,7 +261,7 @@ void SettleSize(Window* window)
             return;
         }
         WaitForServer();
-        QCoreApplication::processEvents(QEventLoop::AllEvents);
+        HandleQtEvents();
         const bool given = width == qRound(asked.width() * scale) && height == qRound(asked.height() * scale);
         window->sizeRefused = !given || window->top->size() != asked;
         if (!window->sizeRefused || timer.elapsed() > deadline) {
@@ -276,7 +275,8 @@ void SettleSize(Window* window)
 void ReturnFocus(const Window* window)
 {
     QWidget* owner = window->top->parentWidget();
-    if (window->kind == hostPopupWindow && owner && owner->isVisible() && window->top->isActiveWindow()) {
+    if (window->kind == hostPopupWindow && (owner != nullptr) && owner->isVisible() &&
+        window->top->isActiveWindow()) {
         owner->activateWindow();
     }
 }
@@ -290,7 +290,7 @@ HostWindow* CreateWindow(const HostWindowRequest* request, void* token)
     window->kind = request->kind;
     window->placing = true;
     if (request->kind == hostPopupWindow) {
-        QWidget* owner = request->owner ? FromHandle(request->owner)->top : nullptr;
+        QWidget* owner = request->owner != nullptr ? FromHandle(request->owner)->top : nullptr;
         window->client =
             new ClientArea(window, owner, Qt::Tool | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint);
         window->top = window->client;
@@ -362,9 +362,11 @@ void SizeClient(Window* window, int clientWidth, int clientHeight)
     window->placing = placing;
 }
 
+namespace {
+
 // The window manager gives the window its former place back some time later, which must come before a new one is
 // asked for.
-static void LeaveMaximized(QWidget* top)
+void LeaveMaximized(QWidget* top)
 {
     constexpr int deadline = 300;
     const QSize maximized = top->size();
@@ -372,10 +374,12 @@ static void LeaveMaximized(QWidget* top)
     waited.start();
     top->setWindowState(Qt::WindowNoState);
     while (top->size() == maximized && waited.elapsed() < deadline) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        HandleQtEvents();
         QThread::msleep(1);
     }
 }
+
+} // namespace
 
 void PlaceWindow(HostWindow* handle, int left, int top, int clientWidth, int clientHeight)
 {
@@ -399,6 +403,9 @@ void PlaceWindow(HostWindow* handle, int left, int top, int clientWidth, int cli
 
 void ShowWindow(HostWindow* handle, int how)
 {
+    if (DisplayIsLost()) {
+        return; // Qt would end the process on the spot
+    }
     Window* window = FromHandle(handle);
     if (how == hostHide) {
         ReleaseCaptureOf(window);
@@ -452,7 +459,7 @@ void WindowGeometry(HostWindow* handle, HostGeometry* geometry)
     // The window itself knows the manager's frame; the widget's idea of it lags behind.
     const QWindow* native = window->top->windowHandle();
     QMargins margins;
-    if (native && window->kind == hostFramedWindow) {
+    if ((native != nullptr) && window->kind == hostFramedWindow) {
         margins = native->frameMargins();
     }
     margins.setTop(margins.top() + window->menuHeight);
@@ -484,7 +491,7 @@ void LimitSize(HostWindow* handle, int minWidth, int minHeight, int maxWidth, in
 void SetTitle(HostWindow* handle, const char* title)
 {
     // No place for Qt's "[*]" mark.
-    QString text = QString::fromUtf8(title ? title : "");
+    QString text = QString::fromUtf8(title != nullptr ? title : "");
     text.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
     FromHandle(handle)->top->setWindowTitle(text);
 }
@@ -503,7 +510,7 @@ void SetIcons(HostWindow* handle, const HostImage* images, int count)
 void SetPicture(HostWindow* handle, const uint32_t* pixels, int width, int height, int stride)
 {
     Window* window = FromHandle(handle);
-    if (!pixels || width <= 0 || height <= 0) {
+    if ((pixels == nullptr) || width <= 0 || height <= 0) {
         window->picture = QImage();
     } else {
         window->picture = QImage(reinterpret_cast<const uchar*>(pixels), width, height,

@@ -126,7 +126,7 @@ void PlayOn(pa_mainloop* loop, pa_stream* stream, const Samples& samples)
         written += part;
     }
     pa_operation* drain = pa_stream_drain(stream, nullptr, nullptr);
-    if (!drain) {
+    if (drain == nullptr) {
         return;
     }
     RunUntil(loop, deadline, [&] { return pa_operation_get_state(drain) != PA_OPERATION_RUNNING || !usable(); });
@@ -138,18 +138,18 @@ void PlayOn(pa_mainloop* loop, pa_stream* stream, const Samples& samples)
 void PlayWave(const uint8_t* wave, uint32_t size)
 {
     Samples samples;
-    if (!wave || !ReadWave(wave, size, &samples)) {
+    if ((wave == nullptr) || !ReadWave(wave, size, &samples)) {
         return;
     }
     if (serverFailed && Clock::now() - failureTime < retryAfter) {
         return;
     }
     pa_mainloop* loop = pa_mainloop_new();
-    if (!loop) {
+    if (loop == nullptr) {
         return;
     }
     pa_context* context = pa_context_new(pa_mainloop_get_api(loop), "Kestrel Map Tool");
-    if (context) {
+    if (context != nullptr) {
         serverFailed = !Connect(loop, context);
         if (serverFailed) {
             failureTime = Clock::now();

@@ -1,16 +1,15 @@
 """Map files: the data file's record and cells, art whose pixels tell their own place, and art read from a bitmap."""
 
+import re
 import struct
+from pathlib import Path
 
-HI_LOW = 0x0008
-WOODS = 0x0040
-TOWN = 0x0080
-ROAD = 0x0020
-MISC_LOS = 0x0002
-NO_GO_MASK = 0x0700
-NO_GO_SHIFT = 8
-COST_SHIFT = 11
-COST_MASK = 0xF800
+# The bits of a cell word, as the program's own header names them.
+_HEADER = (Path(__file__).resolve().parents[3] / "mapdata" / "map_record.h").read_text(encoding="utf-8")
+CELL_BITS = {name: int(bits, 0) for name, bits in re.findall(r"\bcell(\w+) = (\w+)[,;]", _HEADER)}
+HI_LOW, WOODS, TOWN, ROAD = (CELL_BITS[name] for name in ("HiLow", "Woods", "Town", "Road"))
+NO_GO_MASK, NO_GO_SHIFT = CELL_BITS["NoGoMask"], CELL_BITS["NoGoShift"]
+COST_MASK, COST_SHIFT = CELL_BITS["MoveCostMask"], CELL_BITS["MoveCostShift"]
 
 HEADER_WORDS = (
     "map_id aux1 aux2 columns rows left top right bottom"
@@ -53,20 +52,11 @@ def find_difference(data, saved):
         found = MapData(saved)
     except (ValueError, struct.error) as error:
         return "it is no map data: %s" % error
-    for name in HEADER_WORDS:
-        if found.header[name] != data.header[name]:
-            return "%s is %d, not %d" % (name, found.header[name], data.header[name])
-    if found.text != data.text:
-        return "the text is %r, not %r" % (found.text, data.text)
+    if (found.header, found.text) != (data.header, data.text):
+        return "header and text are %s, %r, not %s, %r" % (found.header, found.text, data.header, data.text)
     wrong = [i for i, word in enumerate(data.cells) if found.cells[i] != word]
-    row, column = divmod(wrong[0], data.columns)
-    return "%d cells differ; (%d, %d) is 0x%04X, not 0x%04X" % (
-        len(wrong),
-        column,
-        row,
-        found.cells[wrong[0]],
-        data.cells[wrong[0]],
-    )
+    place = "%d, %d" % divmod(wrong[0], data.columns)[::-1]
+    return "%d cells differ; (%s) is %04X, not %04X" % (len(wrong), place, found.cells[wrong[0]], data.cells[wrong[0]])
 
 
 def new_map_data(map_id, width, height, easting=0, northing=0, version=100):

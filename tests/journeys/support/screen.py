@@ -5,6 +5,7 @@ import mmap
 import struct
 import time
 import zlib
+from typing import NamedTuple
 
 IS_VIEWABLE = 2
 ANY_TYPE = 0
@@ -27,9 +28,6 @@ class Shot:
     def row(self, x, y, width):
         at = y * self.stride + 4 * x
         return self.pixels[at : at + 4 * width]
-
-    def is_filled(self, left, top, right, bottom, colour):
-        return self.first_other(left, top, right, bottom, colour) is None
 
     def first_other(self, left, top, right, bottom, colour):
         """The first place in the rectangle that has another colour, as (x, y, its colour)."""
@@ -75,31 +73,15 @@ class Pixels:
 
 
 class XAttributes(ctypes.Structure):
-    _fields_ = [
-        ("x", ctypes.c_int),
-        ("y", ctypes.c_int),
-        ("width", ctypes.c_int),
-        ("height", ctypes.c_int),
-        ("border_width", ctypes.c_int),
-        ("depth", ctypes.c_int),
-        ("visual", ctypes.c_void_p),
-        ("root", ctypes.c_ulong),
-        ("window_class", ctypes.c_int),
-        ("bit_gravity", ctypes.c_int),
-        ("win_gravity", ctypes.c_int),
-        ("backing_store", ctypes.c_int),
-        ("backing_planes", ctypes.c_ulong),
-        ("backing_pixel", ctypes.c_ulong),
-        ("save_under", ctypes.c_int),
-        ("colormap", ctypes.c_ulong),
-        ("map_installed", ctypes.c_int),
-        ("map_state", ctypes.c_int),
-        ("all_event_masks", ctypes.c_long),
-        ("your_event_mask", ctypes.c_long),
-        ("do_not_propagate_mask", ctypes.c_long),
-        ("override_redirect", ctypes.c_int),
-        ("screen", ctypes.c_void_p),
-    ]
+    _fields_ = (
+        [(name, ctypes.c_int) for name in "x y width height border_width depth".split()]
+        + [("visual", ctypes.c_void_p), ("root", ctypes.c_ulong)]
+        + [(name, ctypes.c_int) for name in "window_class bit_gravity win_gravity backing_store".split()]
+        + [("backing_planes", ctypes.c_ulong), ("backing_pixel", ctypes.c_ulong), ("save_under", ctypes.c_int)]
+        + [("colormap", ctypes.c_ulong), ("map_installed", ctypes.c_int), ("map_state", ctypes.c_int)]
+        + [(name, ctypes.c_long) for name in "all_event_masks your_event_mask do_not_propagate_mask".split()]
+        + [("override_redirect", ctypes.c_int), ("screen", ctypes.c_void_p)]
+    )
 
 
 class XClientMessage(ctypes.Structure):
@@ -120,17 +102,16 @@ ERROR_HANDLER = ctypes.CFUNCTYPE(ctypes.c_int, ctypes.c_void_p, ctypes.c_void_p)
 CLIENT_MESSAGE = 33
 
 
-class Window:
+class Window(NamedTuple):
     """A window of a program that is on the screen now: its place, its title, whether it is a pop-up of its own."""
 
-    def __init__(self, number, left, top, width, height, title, overrides):
-        self.number = number
-        self.left = left
-        self.top = top
-        self.width = width
-        self.height = height
-        self.title = title
-        self.overrides = overrides  # menus: the window manager has no say
+    number: int
+    left: int
+    top: int
+    width: int
+    height: int
+    title: str
+    overrides: bool  # menus: the window manager has no say
 
     def size(self):
         return self.width, self.height
@@ -162,20 +143,9 @@ class Display:
         kind, form = ctypes.c_ulong(), ctypes.c_int()
         count, rest = ctypes.c_ulong(), ctypes.c_ulong()
         data = ctypes.c_void_p()
-        self.x11.XGetWindowProperty(
-            self.display,
-            ctypes.c_ulong(window),
-            self.atom(name),
-            ctypes.c_long(0),
-            ctypes.c_long(256),
-            0,
-            ctypes.c_ulong(ANY_TYPE),
-            ctypes.byref(kind),
-            ctypes.byref(form),
-            ctypes.byref(count),
-            ctypes.byref(rest),
-            ctypes.byref(data),
-        )
+        where = (self.display, ctypes.c_ulong(window), self.atom(name), ctypes.c_long(0), ctypes.c_long(256), 0)
+        answers = [ctypes.byref(answer) for answer in (kind, form, count, rest, data)]
+        self.x11.XGetWindowProperty(*where, ctypes.c_ulong(ANY_TYPE), *answers)
         if not data.value:
             return b""
         unit = {8: 1, 16: 2, 32: ctypes.sizeof(ctypes.c_long)}.get(form.value, 0)
@@ -187,14 +157,8 @@ class Display:
         root, parent = ctypes.c_ulong(), ctypes.c_ulong()
         found = ctypes.POINTER(ctypes.c_ulong)()
         count = ctypes.c_uint()
-        if not self.x11.XQueryTree(
-            self.display,
-            ctypes.c_ulong(window),
-            ctypes.byref(root),
-            ctypes.byref(parent),
-            ctypes.byref(found),
-            ctypes.byref(count),
-        ):
+        answers = [ctypes.byref(answer) for answer in (root, parent, found, count)]
+        if not self.x11.XQueryTree(self.display, ctypes.c_ulong(window), *answers):
             return []
         numbers = [found[i] for i in range(count.value)]
         if count.value:
@@ -209,26 +173,12 @@ class Display:
         if attributes.map_state != IS_VIEWABLE:
             return None
         left, top, child = ctypes.c_int(), ctypes.c_int(), ctypes.c_ulong()
-        self.x11.XTranslateCoordinates(
-            self.display,
-            ctypes.c_ulong(number),
-            ctypes.c_ulong(self.root),
-            0,
-            0,
-            ctypes.byref(left),
-            ctypes.byref(top),
-            ctypes.byref(child),
-        )
+        windows = ctypes.c_ulong(number), ctypes.c_ulong(self.root)
+        answers = [ctypes.byref(answer) for answer in (left, top, child)]
+        self.x11.XTranslateCoordinates(self.display, *windows, 0, 0, *answers)
         title = self.property(number, "_NET_WM_NAME").decode("utf-8", "replace")
-        return Window(
-            number,
-            left.value,
-            top.value,
-            attributes.width,
-            attributes.height,
-            title,
-            attributes.override_redirect != 0,
-        )
+        width, height = attributes.width, attributes.height
+        return Window(number, left.value, top.value, width, height, title, attributes.override_redirect != 0)
 
     def windows_of(self, process):
         """The windows of the process that are on the screen, lowest first."""

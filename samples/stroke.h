@@ -1,14 +1,14 @@
 // Anti-aliased lines and areas into coverage masks.
 #pragma once
 
-#include "tools/sample_model.h"
+#include "samples/model.h"
 
 // Raises the mask to the coverage of a line; width in pixels, round ends.
 void StrokeSegment(Grid<uint8_t>& mask, Spot from, Spot to, float fromWidth, float toWidth);
 void StrokeLine(Grid<uint8_t>& mask, const std::vector<Spot>& points, float width);
-// extra is added to the line's own widths.
-void StrokeWideLine(Grid<uint8_t>& mask, const WideLine& line, float extra);
-void StrokeDashes(Grid<uint8_t>& mask, const std::vector<Spot>& points, float width, float dash, float gap);
+// extra is added to the line's own widths; pieces up to the width narrowest are left out.
+void StrokeWideLine(Grid<uint8_t>& mask, const WideLine& line, float extra, float narrowest);
+void StrokeDashes(Grid<uint8_t>& mask, const std::vector<Spot>& points, float width);
 // Raises the mask to the coverage of a building, grown by extra on each side.
 void FillBuilding(Grid<uint8_t>& mask, const Building& building, float extra);
 
@@ -20,4 +20,9 @@ void RelaxLine(std::vector<Spot>& points, int rounds);
 inline uint8_t CoverageByte(float coverage)
 {
     return uint8_t(std::clamp(coverage, 0.0f, 1.0f) * 255 + 0.5f);
+}
+
+inline void Raise(uint8_t& covered, float coverage)
+{
+    covered = std::max(covered, CoverageByte(coverage));
 }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <queue>
 #include <vector>
 
 template <typename T>
@@ -15,40 +16,86 @@ struct Grid {
 };
 
 template <typename T>
-Grid<T> MakeGrid(int width, int height, T fill)
+Grid<T> MakeGrid(int width, int height, T fill = {})
 {
     return {width, height, std::vector<T>(size_t(width) * size_t(height), fill)};
 }
 
-template <typename T>
-T& At(Grid<T>& grid, int x, int y)
+auto& At(auto& grid, int x, int y)
 {
-    return grid.values[size_t(y) * size_t(grid.width) + size_t(x)];
+    return grid.values[size_t(y * grid.width + x)];
 }
 
+// A grid with the value valueAt(x, y) at every place.
 template <typename T>
-const T& At(const Grid<T>& grid, int x, int y)
+Grid<T> FillGrid(int width, int height, auto valueAt)
 {
-    return grid.values[size_t(y) * size_t(grid.width) + size_t(x)];
+    Grid<T> grid = MakeGrid<T>(width, height);
+    for (int y = 0; y < height; y++) {
+        for (int x = 0; x < width; x++) {
+            At(grid, x, y) = T(valueAt(x, y));
+        }
+    }
+    return grid;
 }
 
-template <typename T>
-bool Inside(const Grid<T>& grid, int x, int y)
+bool Inside(const auto& grid, int x, int y)
 {
     return x >= 0 && y >= 0 && x < grid.width && y < grid.height;
 }
 
 // The nearest cell of the grid, for points that may lie outside.
-template <typename T>
-const T& Nearest(const Grid<T>& grid, int x, int y)
+const auto& Nearest(const auto& grid, int x, int y)
 {
     return At(grid, std::clamp(x, 0, grid.width - 1), std::clamp(y, 0, grid.height - 1));
 }
+
+// The least of the four values that are reach away.
+auto LeastAround(const auto& grid, int x, int y, int reach)
+{
+    return std::min({Nearest(grid, x - reach, y), Nearest(grid, x + reach, y), Nearest(grid, x, y - reach),
+                     Nearest(grid, x, y + reach)});
+}
+
+// The value that so many others are not above.
+inline float ValueAtRank(std::vector<float> values, size_t rank)
+{
+    std::nth_element(values.begin(), values.begin() + std::ptrdiff_t(rank), values.end());
+    return values[rank];
+}
+
+// The eight neighbours, then the eight knight's moves.
+constexpr int stepX[16] = {1, 1, 0, -1, -1, -1, 0, 1, 2, 1, -1, -2, -2, -1, 1, 2};
+constexpr int stepY[16] = {0, 1, 1, 1, 0, -1, -1, -1, 1, 2, 2, 1, -1, -2, -2, -1};
+
+// What waits, by cost or height and the index that settles ties; the lowest is taken first.
+typedef std::pair<float, int> Waiting;
+typedef std::priority_queue<Waiting, std::vector<Waiting>, std::greater<Waiting>> WaitingQueue;
+
+// ---- points ----
 
 struct Spot {
     float x = 0;
     float y = 0;
 };
+
+inline Spot SpotAt(int x, int y)
+{
+    return {float(x), float(y)};
+}
+
+// The cell of the grid that a point lies in, or the nearest one.
+const auto& Nearest(const auto& grid, Spot place)
+{
+    return Nearest(grid, int(place.x), int(place.y));
+}
+
+// How much the values to the right and below are greater than those to the left and above.
+inline Spot Change(const Grid<float>& grid, int x, int y, int reach)
+{
+    return {Nearest(grid, x + reach, y) - Nearest(grid, x - reach, y),
+            Nearest(grid, x, y + reach) - Nearest(grid, x, y - reach)};
+}
 
 inline Spot operator+(Spot a, Spot b)
 {
@@ -65,9 +112,25 @@ inline Spot operator*(Spot a, float factor)
     return {a.x * factor, a.y * factor};
 }
 
+inline Spot operator/(Spot a, float divisor)
+{
+    return {a.x / divisor, a.y / divisor};
+}
+
+inline float Dot(Spot a, Spot b)
+{
+    return a.x * b.x + a.y * b.y;
+}
+
+// The vector a quarter to the right on the map.
+inline Spot Turned(Spot a)
+{
+    return {-a.y, a.x};
+}
+
 inline float Length(Spot a)
 {
-    return std::sqrt(a.x * a.x + a.y * a.y);
+    return std::sqrt(Dot(a, a));
 }
 
 inline float Distance(Spot a, Spot b)
@@ -109,15 +172,10 @@ inline uint32_t Roll(Dice& dice)
     return uint32_t((z ^ (z >> 31)) >> 32);
 }
 
-// From 0 to below 1.
-inline float RollUnit(Dice& dice)
-{
-    return float(Roll(dice) >> 8) * (1.0f / 16777216.0f);
-}
-
+// From low to below high.
 inline float RollBetween(Dice& dice, float low, float high)
 {
-    return low + (high - low) * RollUnit(dice);
+    return low + (high - low) * (float(Roll(dice) >> 8) * (1.0f / 16777216.0f));
 }
 
 // A number that belongs to the place (x, y), the same whenever it is asked for.
@@ -135,7 +193,7 @@ inline float HashUnit(int x, int y, uint32_t seed)
 }
 
 // Smooth noise of wavelength 1, about -1 to 1.
-inline float Noise(float x, float y, uint32_t seed)
+inline float Noise(Spot place, uint32_t seed)
 {
     // Sixteen directions round the circle.
     static constexpr float gradients[16][2] = {
@@ -144,12 +202,10 @@ inline float Noise(float x, float y, uint32_t seed)
         {-1, 0}, {-0.924f, -0.383f}, {-0.707f, -0.707f}, {-0.383f, -0.924f},
         {0, -1}, {0.383f, -0.924f},  {0.707f, -0.707f},  {0.924f, -0.383f},
     };
-    float floorX = std::floor(x);
-    float floorY = std::floor(y);
-    int cellX = int(floorX);
-    int cellY = int(floorY);
-    float fx = x - floorX;
-    float fy = y - floorY;
+    int cellX = int(std::floor(place.x));
+    int cellY = int(std::floor(place.y));
+    float fx = place.x - float(cellX);
+    float fy = place.y - float(cellY);
     auto corner = [&](int dx, int dy) {
         const float* g = gradients[HashAt(cellX + dx, cellY + dy, seed) >> 28];
         return g[0] * (fx - float(dx)) + g[1] * (fy - float(dy));
@@ -162,15 +218,14 @@ inline float Noise(float x, float y, uint32_t seed)
 }
 
 // Noise in octaves, each at half the wavelength and half the strength of the one before.
-inline float LayeredNoise(float x, float y, int octaves, uint32_t seed)
+inline float LayeredNoise(Spot place, int octaves, uint32_t seed)
 {
     float sum = 0;
     float strength = 1;
     for (int i = 0; i < octaves; i++) {
-        sum += strength * Noise(x, y, seed + uint32_t(i) * 101);
+        sum += strength * Noise(place, seed + uint32_t(i) * 101);
         // The shift keeps the octaves' lattices apart, which would otherwise all have their zeros in common.
-        x = x * 2 + 17.3f;
-        y = y * 2 - 9.7f;
+        place = place * 2 + Spot{17.3f, -9.7f};
         strength *= 0.5f;
     }
     return sum;
