@@ -243,7 +243,7 @@ void RunStep()
         stderr,
         "headless host: the script ended, but the program %s (window \"%s\", %d windows, %u ms on the clock)\n", how,
         frame != nullptr ? frame->title.c_str() : "", static_cast<int>(headless.windows.size()), headless.now);
-    std::exit(3);
+    std::_Exit(3);
 }
 
 // Nothing is left to happen: the user loses patience and closes the window.
