@@ -49,12 +49,20 @@ void EndRescueCopies()
     ReleaseRescueFolder();
 }
 
+// Memory was refused where nobody could be told.
+LONG WINAPI KeepWorkAtTheEnd(EXCEPTION_POINTERS*)
+{
+    KeepLastRescueCopy();
+    return EXCEPTION_EXECUTE_HANDLER;
+}
+
 } // namespace
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int)
 {
     shell.appInstance = instance;
     [[maybe_unused]] static const int registered = std::atexit(EndRescueCopies);
+    SetUnhandledExceptionFilter(KeepWorkAtTheEnd);
     if (RegisterWindowClasses() == 0) {
         shell.startUpFailed = 1;
         shell.quitRequested = 1;

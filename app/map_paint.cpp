@@ -212,10 +212,14 @@ int16_t LoadMapArt()
     }
     const HDC source = CreateCompatibleDC(shell.mapWindowDC);
     const HGDIOBJ displaced = SelectObject(source, art);
-    BitBlt(view.mapImage->dc, 0, 0, size.bmWidth, size.bmHeight, source, 0, 0, SRCCOPY);
+    const BOOL copied = source != nullptr && displaced != nullptr &&
+                        BitBlt(view.mapImage->dc, 0, 0, size.bmWidth, size.bmHeight, source, 0, 0, SRCCOPY);
     SelectObject(source, displaced);
     DeleteDC(source);
     DeleteObject(art);
+    if (!copied) {
+        return 1;
+    }
     shell.mapShown = 1;
     return 0;
 }

@@ -202,6 +202,24 @@ void LoadProgramPalette()
     }
 }
 
+namespace {
+
+void DisposeInterfaceBitmap()
+{
+    if (shell.interfaceDC == nullptr) {
+        return;
+    }
+    SelectObject(shell.interfaceDC, shell.interfaceDisplaced);
+    SelectPalette(shell.interfaceDC, static_cast<HPALETTE>(GetStockObject(DEFAULT_PALETTE)), FALSE);
+    DeleteDC(shell.interfaceDC);
+    DeleteObject(shell.interfaceBitmap);
+    shell.interfaceDC = nullptr;
+    shell.interfaceBitmap = nullptr;
+    shell.interfaceDisplaced = nullptr;
+}
+
+} // namespace
+
 int LoadInterfaceBitmap()
 {
     if (shell.interfaceDC != nullptr) {
@@ -221,36 +239,30 @@ int LoadInterfaceBitmap()
     }
     shell.interfaceDC = CreateCompatibleDC(shell.mapWindowDC);
     shell.interfaceBitmap = CreateCompatibleBitmap(shell.mapWindowDC, header.biWidth, header.biHeight);
+    if (shell.interfaceDC == nullptr || shell.interfaceBitmap == nullptr) {
+        DeleteDC(shell.interfaceDC);
+        DeleteObject(shell.interfaceBitmap);
+        shell.interfaceDC = nullptr;
+        shell.interfaceBitmap = nullptr;
+        DeleteObject(loaded);
+        return 1;
+    }
     shell.interfaceDisplaced = SelectObject(shell.interfaceDC, shell.interfaceBitmap);
     if (shell.programPalette != nullptr) {
         SelectPalette(shell.interfaceDC, shell.programPalette, FALSE);
     }
     const HDC source = CreateCompatibleDC(shell.mapWindowDC);
     const HGDIOBJ displaced = SelectObject(source, loaded);
-    BitBlt(shell.interfaceDC, 0, 0, header.biWidth, header.biHeight, source, 0, 0, SRCCOPY);
+    const BOOL copied = source != nullptr && displaced != nullptr &&
+                        BitBlt(shell.interfaceDC, 0, 0, header.biWidth, header.biHeight, source, 0, 0, SRCCOPY);
     SelectObject(source, displaced);
     DeleteDC(source);
     DeleteObject(loaded);
-    return 0;
-}
-
-namespace {
-
-void DisposeInterfaceBitmap()
-{
-    if (shell.interfaceDC == nullptr) {
-        return;
+    if (!copied) {
+        DisposeInterfaceBitmap();
     }
-    SelectObject(shell.interfaceDC, shell.interfaceDisplaced);
-    SelectPalette(shell.interfaceDC, static_cast<HPALETTE>(GetStockObject(DEFAULT_PALETTE)), FALSE);
-    DeleteDC(shell.interfaceDC);
-    DeleteObject(shell.interfaceBitmap);
-    shell.interfaceDC = nullptr;
-    shell.interfaceBitmap = nullptr;
-    shell.interfaceDisplaced = nullptr;
+    return copied ? 0 : 1;
 }
-
-} // namespace
 
 void ReleaseMapResources()
 {

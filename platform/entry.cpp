@@ -3,6 +3,7 @@
 #include "platform/api/user.h"
 #include "platform/host/host.h"
 #include "platform/host/qt/qt_host.h"
+#include "platform/kernel/heap.h"
 #include "platform/user/platform_reset.h"
 
 #include <csignal>
@@ -10,6 +11,7 @@
 int main()
 {
     signal(SIGXFSZ, SIG_IGN); // a write beyond the limit of file sizes fails like one to a full disk
+    KeepMemoryReserve();
     host = &qtHost;
     if (host->start() != 0) {
         return 1;

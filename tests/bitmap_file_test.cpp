@@ -1,10 +1,12 @@
 // Bitmap files: every kind that is read, and what damaged ones do.
 #include "fuzz/targets.h"
 #include "platform/gdi/surface.h"
+#include "platform/kernel/system_calls.h"
 #include "tests/map_files.h"
 
 #include <functional>
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <vector>
 
@@ -332,6 +334,15 @@ TEST(BitmapFile, ReadsFromAPathWhatItReadsFromBytes)
         write(Bytes(size));
         EXPECT_EQ(BitmapFromFile("art.bmp"), nullptr);
     }
+    // More than half a gigabyte is refused before any memory is asked for.
+    folder.Write("art.bmp", BitmapHead(14000, 14000, 24));
+    std::filesystem::resize_file("art.bmp", 54 + 42000ull * 14000);
+    systemCalls.mapPages = [](size_t) -> void* {
+        ADD_FAILURE() << "memory was asked for";
+        return MAP_FAILED;
+    };
+    EXPECT_EQ(BitmapFromFile("art.bmp"), nullptr);
+    systemCalls = RealSystemCalls();
     ASSERT_EQ(mkfifo("pipe", 0600), 0);
     for (const char* path : {"none", "pipe", ".", static_cast<const char*>(nullptr)}) { // a pipe without its writer
         EXPECT_EQ(BitmapFromFile(path), nullptr);

@@ -158,8 +158,26 @@ void JudgeSystemCalls(CallJudge judge)
     judgeInForce = std::move(judge);
     judgedCalls.clear();
     openedWith.clear();
-    systemCalls = {Open,   Close, Read,   ReadAt,          Write,      Seek,       Sync,       Stat,        StatOpen,
-                   Unlink, Link,  Rename, RenameNoReplace, MakeFolder, OpenFolder, ReadFolder, CloseFolder, Lock};
+    systemCalls = {Open,
+                   Close,
+                   Read,
+                   ReadAt,
+                   Write,
+                   Seek,
+                   Sync,
+                   Stat,
+                   StatOpen,
+                   Unlink,
+                   Link,
+                   Rename,
+                   RenameNoReplace,
+                   MakeFolder,
+                   OpenFolder,
+                   ReadFolder,
+                   CloseFolder,
+                   Lock,
+                   RealSystemCalls().allocate,
+                   RealSystemCalls().mapPages};
 }
 
 const std::vector<JudgedCall>& JudgedCalls()

@@ -1,4 +1,5 @@
 #include "platform/gdi/dib.h"
+#include "platform/kernel/system_calls.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -27,7 +28,7 @@ size_t MappedLength(size_t size)
 uint8_t* MapPages(size_t length)
 {
     const size_t spare = length < hugeBlockSize ? 0 : hugePageSize;
-    void* mapped = mmap(nullptr, length + spare, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    void* mapped = systemCalls.mapPages(length + spare);
     if (mapped == MAP_FAILED) {
         return nullptr;
     }
@@ -51,7 +52,7 @@ bool AllocateBlock(PixelBlock* block, size_t size)
 {
     *block = {nullptr, 0};
     if (size < pageBlockSize) {
-        block->bytes = static_cast<uint8_t*>(calloc(size, 1));
+        block->bytes = static_cast<uint8_t*>(systemCalls.allocate(size, 1));
     } else if (size < SIZE_MAX / 2) {
         uint8_t* pages = MapPages(MappedLength(size));
         block->bytes = pages != nullptr ? pages + pageSkew : nullptr;

@@ -13,6 +13,7 @@ constexpr uint64_t fileHeaderSize = 14;
 // Every header with its masks and colour table ends within these bytes.
 constexpr size_t headBytes = 2048;
 constexpr uint32_t compressionAlphaBitfields = 6;
+constexpr uint64_t mostPictureBytes = 512u << 20; // of memory for one picture; more is refused before any is taken
 
 // The beginning of a bitmap file and the size of the whole.
 struct FileHead {
@@ -209,8 +210,11 @@ HBITMAP BitmapFromOpenFile(int file)
     }
 
     const size_t size = static_cast<size_t>(end - begin);
+    const uint64_t expanded = layout.runLengths || layout.bits < 8     ? pixelCount
+                              : layout.bits == 16 || layout.bits == 32 ? pixelCount * sizeof(uint32_t)
+                                                                       : 0;
     PixelBlock block;
-    if (!AllocateBlock(&block, size)) {
+    if (size + expanded > mostPictureBytes || !AllocateBlock(&block, size)) {
         return nullptr;
     }
     HBITMAP bitmap = nullptr;

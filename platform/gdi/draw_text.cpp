@@ -51,7 +51,10 @@ int WINAPI DrawTextA(HDC dc, LPCSTR text, int length, LPRECT rect, UINT format)
     }
     FontStrike* strike = dc->font->strike;
     const size_t size = length < 0 ? strlen(text) : static_cast<size_t>(length);
-    const std::vector<TextGlyph> glyphs = ReadText(strike, text, size, LineFeeds::kept);
+    std::vector<TextGlyph> glyphs;
+    if (!ReadText(strike, text, size, LineFeeds::kept, &glyphs)) {
+        return 0;
+    }
     const bool wraps = (format & DT_WORDBREAK) != 0;
     const bool measures = (format & DT_CALCRECT) != 0;
     const RECT area = DeviceRect(dc, *rect);

@@ -1,5 +1,7 @@
 #include "platform/gdi/font.h"
 
+#include "platform/kernel/heap.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <ft2build.h>
@@ -9,6 +11,7 @@
 #include <strings.h>
 #include FT_FREETYPE_H
 #include FT_MODULE_H
+#include FT_SYSTEM_H
 
 namespace {
 
@@ -60,13 +63,65 @@ namespace {
 
 FontState fonts;
 
+// ---- the library's memory ----
+
+// The library for fonts does not survive it when memory is refused while it renders. So where the heap refuses, a
+// block comes from a room of the program's own, used from its start on and again once all blocks there were given
+// back. Where that is full too, the process ends.
+alignas(16) uint8_t spareRoom[1 << 20];
+size_t spareUsed = 0;
+int spareBlocks = 0;
+
+bool IsSpare(const void* block)
+{
+    return block >= spareRoom && block < spareRoom + sizeof spareRoom;
+}
+
+void* TakeFontMemory(FT_Memory, long size)
+{
+    const size_t bytes = (static_cast<size_t>(size) + 15) / 16 * 16;
+    void* block = ::operator new(bytes, std::nothrow);
+    if (block != nullptr) {
+        return block;
+    }
+    if (bytes > sizeof spareRoom - spareUsed) {
+        return ::operator new(bytes);
+    }
+    block = spareRoom + spareUsed;
+    spareUsed += bytes;
+    ++spareBlocks;
+    return block;
+}
+
+void GiveFontMemory(FT_Memory, void* block)
+{
+    if (!IsSpare(block)) {
+        ::operator delete(block);
+    } else if (--spareBlocks == 0) {
+        spareUsed = 0;
+    }
+}
+
+void* ResizeFontMemory(FT_Memory, long oldSize, long newSize, void* block)
+{
+    void* resized = TakeFontMemory(nullptr, newSize);
+    memcpy(resized, block, static_cast<size_t>(std::min(oldSize, newSize)));
+    GiveFontMemory(nullptr, block);
+    return resized;
+}
+
+FT_MemoryRec_ fontMemory = {nullptr, TakeFontMemory, GiveFontMemory, ResizeFontMemory};
+
+// ---- faces ----
+
 FT_Face FaceOf(int fontFile)
 {
     if (fonts.library == nullptr) {
-        if (FT_Init_FreeType(&fonts.library) != 0) {
+        if (FT_New_Library(&fontMemory, &fonts.library) != 0) {
             fonts.library = nullptr;
             return nullptr;
         }
+        FT_Add_Default_Modules(fonts.library);
         // The classic hinting moves stems onto whole pixels, which keeps small text crisp. It is set here because the
         // environment could have chosen another one.
         FT_UInt version = 35;
@@ -122,7 +177,10 @@ const Glyph* GlyphOf(FontStrike* strike, uint32_t character)
     if (found == strike->glyphs.end()) {
         FT_Face face = FaceOf(strike->fontFile);
         FT_Set_Pixel_Sizes(face, 0, static_cast<FT_UInt>(strike->pixelSize));
-        found = strike->glyphs.emplace(character, RenderGlyph(face, character)).first;
+        if (!WithMemory([&] { found = strike->glyphs.emplace(character, RenderGlyph(face, character)).first; })) {
+            static const Glyph noGlyph = {}; // this time
+            return &noGlyph;
+        }
     }
     if (character < 128) {
         strike->ascii[character] = &found->second;
@@ -173,11 +231,16 @@ FontStrike* TakeStrike(int fontFile, int pixelSize)
         if (face == nullptr) {
             return nullptr;
         }
-        auto strike = std::make_unique<FontStrike>();
-        strike->fontFile = fontFile;
-        strike->pixelSize = pixelSize;
-        ReadMetrics(face, strike.get());
-        fonts.strikes.push_back(std::move(strike));
+        const bool kept = WithMemory([&] {
+            auto strike = std::make_unique<FontStrike>();
+            strike->fontFile = fontFile;
+            strike->pixelSize = pixelSize;
+            ReadMetrics(face, strike.get());
+            fonts.strikes.push_back(std::move(strike));
+        });
+        if (!kept) {
+            return nullptr;
+        }
     }
     FontStrike* strike = fonts.strikes.back().get();
     ++strike->users;
@@ -241,6 +304,9 @@ void FreeFont(HFONT font)
 
 HFONT SystemFont()
 {
-    static HFONT__ font = {{ObjectType::font, 0, true}, TakeStrike(0, 13), false};
+    static HFONT__ font = {{ObjectType::font, 0, true}, nullptr, false};
+    if (font.strike == nullptr) {
+        font.strike = TakeStrike(0, 13);
+    }
     return &font;
 }

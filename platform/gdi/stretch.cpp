@@ -1,5 +1,7 @@
 // Stretching copies: every source pixel becomes a block, or is left out, without mixing colours.
+#include "platform/api/kernel.h"
 #include "platform/gdi/objects.h"
+#include "platform/kernel/heap.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -98,13 +100,20 @@ int WINAPI StretchDIBits(HDC dc, int x, int y, int width, int height, int source
     }
 
     const RECT area = DeviceRect(dc, {x, y, x + width, y + height});
-    const std::vector<LONG> lines = Boundaries(area.top, sourceHeight, height);
     const bool streamed = int64_t{surface->width} * surface->height > streamedSurfacePixels;
+    std::vector<LONG> lines;
     std::vector<LONG> columns;
     std::vector<uint32_t> stretched; // a row, where it is not as wide as the area
-    if (width != sourceWidth) {
-        columns = Boundaries(0, sourceWidth, width);
-        stretched.resize(static_cast<size_t>(width));
+    const bool hasMemory = WithMemory([&] {
+        lines = Boundaries(area.top, sourceHeight, height);
+        if (width != sourceWidth) {
+            columns = Boundaries(0, sourceWidth, width);
+            stretched.resize(static_cast<size_t>(width));
+        }
+    });
+    if (!hasMemory) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return 0;
     }
     for (int i = 0; i < sourceHeight; i++) {
         const int storedRow = header.biHeight < 0 ? i : sourceHeight - 1 - i;

@@ -1,5 +1,8 @@
 #include "platform/gdi/text.h"
 
+#include "platform/api/kernel.h"
+#include "platform/kernel/heap.h"
+
 // ---- reading ----
 
 namespace {
@@ -36,19 +39,22 @@ uint32_t NextCharacter(const char* text, size_t length, size_t* position)
 
 } // namespace
 
-std::vector<TextGlyph> ReadText(FontStrike* strike, const char* text, size_t length, LineFeeds lineFeeds)
+bool ReadText(FontStrike* strike, const char* text, size_t length, LineFeeds lineFeeds,
+              std::vector<TextGlyph>* glyphs)
 {
-    std::vector<TextGlyph> glyphs;
-    glyphs.reserve(length);
+    if (!WithMemory([&] { glyphs->reserve(length); })) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return false;
+    }
     for (size_t position = 0; position < length;) {
         const uint32_t character = NextCharacter(text, length, &position);
         if (character == '\n' && lineFeeds == LineFeeds::kept) {
-            glyphs.push_back({character, nullptr});
+            glyphs->push_back({character, nullptr});
         } else if (character >= 0x20 && (character < 0x7F || character > 0x9F)) {
-            glyphs.push_back({character, GlyphOf(strike, character)});
+            glyphs->push_back({character, GlyphOf(strike, character)});
         }
     }
-    return glyphs;
+    return true;
 }
 
 namespace {
@@ -128,7 +134,10 @@ BOOL WINAPI TextOutA(HDC dc, int x, int y, LPCSTR text, int length)
         return FALSE;
     }
     FontStrike* strike = dc->font->strike;
-    const std::vector<TextGlyph> glyphs = ReadText(strike, text, static_cast<size_t>(length), LineFeeds::skipped);
+    std::vector<TextGlyph> glyphs;
+    if (!ReadText(strike, text, static_cast<size_t>(length), LineFeeds::skipped, &glyphs)) {
+        return FALSE;
+    }
     const bool fromBaseline = (dc->textAlign & TA_BASELINE) == TA_BASELINE;
     const int top = DeviceY(dc, y) - (fromBaseline ? strike->ascent : 0);
     constexpr RECT everywhere = {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
@@ -142,7 +151,10 @@ BOOL WINAPI GetTextExtentPoint32A(HDC dc, LPCSTR text, int length, LPSIZE size)
         return FALSE;
     }
     FontStrike* strike = dc->font->strike;
-    const std::vector<TextGlyph> glyphs = ReadText(strike, text, static_cast<size_t>(length), LineFeeds::skipped);
+    std::vector<TextGlyph> glyphs;
+    if (!ReadText(strike, text, static_cast<size_t>(length), LineFeeds::skipped, &glyphs)) {
+        return FALSE;
+    }
     *size = {WidthOf(glyphs.data(), glyphs.size()), strike->ascent + strike->descent};
     return TRUE;
 }

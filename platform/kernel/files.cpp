@@ -12,7 +12,6 @@
 #include <string>
 #include <sys/file.h>
 #include <unistd.h>
-#include <vector>
 
 namespace {
 
@@ -35,11 +34,16 @@ struct OpenFile {
     BufferUse use = bufferEmpty;
     off_t bufferStart = 0; // position in the file of the buffer's first byte
     size_t bufferUsed = 0;
-    std::vector<uint8_t> buffer;
     std::string folder; // absolute
 };
 
 OpenFile files[mostFiles];
+uint8_t buffers[mostFiles][bufferSize]; // a page costs something only once it is used; nothing here can be refused
+
+uint8_t* BufferOf(const OpenFile& file)
+{
+    return buffers[&file - files];
+}
 
 OpenFile* FileOf(HFILE handle)
 {
@@ -109,7 +113,7 @@ bool WriteGathered(OpenFile& file)
     if (!MoveSystemPosition(file, file.bufferStart)) {
         SetLastError(ErrorFromErrno(errno, ERROR_WRITE_FAULT));
         file.writeFailed = true;
-    } else if (!WriteThrough(file, file.buffer.data(), file.bufferUsed)) {
+    } else if (!WriteThrough(file, BufferOf(file), file.bufferUsed)) {
         file.writeFailed = true;
     }
     file.bufferUsed = 0;
@@ -245,7 +249,7 @@ size_t TakeFromBuffer(OpenFile& file, uint8_t* destination, size_t wanted)
 {
     const size_t taken = std::min(wanted, BytesAhead(file));
     if (taken > 0) {
-        memcpy(destination, file.buffer.data() + (file.position - file.bufferStart), taken);
+        memcpy(destination, BufferOf(file) + (file.position - file.bufferStart), taken);
         file.position += static_cast<off_t>(taken);
     }
     return taken;
@@ -263,9 +267,8 @@ ssize_t ReadAtPosition(OpenFile& file, uint8_t* bytes, size_t count)
 
 bool FillBuffer(OpenFile& file)
 {
-    file.buffer.resize(bufferSize);
     file.use = bufferEmpty;
-    const ssize_t got = ReadAtPosition(file, file.buffer.data(), bufferSize);
+    const ssize_t got = ReadAtPosition(file, BufferOf(file), bufferSize);
     if (got < 0) {
         return false;
     }
@@ -324,12 +327,11 @@ bool WriteAtPosition(OpenFile& file, const uint8_t* bytes, size_t count)
 void Gather(OpenFile& file, const uint8_t* bytes, size_t count)
 {
     if (file.use != bufferToWrite) {
-        file.buffer.resize(bufferSize);
         file.use = bufferToWrite;
         file.bufferStart = file.position;
         file.bufferUsed = 0;
     }
-    memcpy(file.buffer.data() + file.bufferUsed, bytes, count);
+    memcpy(BufferOf(file) + file.bufferUsed, bytes, count);
     file.bufferUsed += count;
     file.position += static_cast<off_t>(count);
 }

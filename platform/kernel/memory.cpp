@@ -1,8 +1,11 @@
 // Movable memory blocks. They never move; the handle is a record that holds the address.
 #include "platform/api/kernel.h"
+#include "platform/kernel/heap.h"
+#include "platform/kernel/system_calls.h"
 #include "platform/kernel/test_hooks.h"
 
 #include <cstdlib>
+#include <new>
 #include <unordered_map>
 
 namespace {
@@ -53,15 +56,20 @@ HGLOBAL WINAPI GlobalAlloc(UINT, SIZE_T size)
 {
     void* address = nullptr;
     if (size <= largestBlock && !AllocationMayFail()) {
-        address = calloc(1, size > 0 ? size : 1);
+        address = systemCalls.allocate(1, size > 0 ? size : 1);
     }
-    if (address == nullptr) {
+    MemoryBlock* block = address != nullptr ? new (std::nothrow) MemoryBlock{address, 0} : nullptr;
+    const bool listed = block != nullptr && WithMemory([&] {
+                            blockOfAddress[address] = block;
+                            liveBlocks[block] = block;
+                        });
+    if (!listed) {
+        blockOfAddress.erase(address);
+        delete block;
+        free(address);
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return nullptr;
     }
-    MemoryBlock* block = new MemoryBlock{address, 0};
-    blockOfAddress[address] = block;
-    liveBlocks[block] = block;
     return block;
 }
 

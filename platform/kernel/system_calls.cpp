@@ -4,10 +4,12 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <string>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace {
@@ -27,9 +29,14 @@ int RenameNoReplace(const char* from, const char* to)
     return renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE);
 }
 
-constexpr SystemCalls realSystemCalls = {OpenFile,        close,    read,    pread,   write,    lseek,
-                                         fsync,           StatFile, fstat,   unlink,  link,     rename,
-                                         RenameNoReplace, mkdir,    opendir, readdir, closedir, flock};
+void* MapPages(size_t size)
+{
+    return mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+}
+
+constexpr SystemCalls realSystemCalls = {OpenFile, close,   read,     pread, write,  lseek,           fsync,
+                                         StatFile, fstat,   unlink,   link,  rename, RenameNoReplace, mkdir,
+                                         opendir,  readdir, closedir, flock, calloc, MapPages};
 
 DWORD lastError = ERROR_SUCCESS;
 

@@ -1,5 +1,5 @@
-// The system calls of the file layer in one table, so that a test can make any of them fail. They return what the
-// system returns: -1 with errno on failure.
+// The system calls of the file layer, and what gives memory outside the C++ heap, in one table, so that a test can
+// make any of them fail. They return what the system returns: -1 with errno on failure.
 #pragma once
 
 #include <cerrno>
@@ -27,6 +27,8 @@ struct SystemCalls {
     dirent* (*readFolder)(DIR* folder);   // null at the end, and with errno on failure
     int (*closeFolder)(DIR* folder);
     int (*lock)(int descriptor, int operation);
+    void* (*allocate)(size_t count, size_t size); // zero-filled; null on failure
+    void* (*mapPages)(size_t size);               // zero-filled; MAP_FAILED on failure
 };
 
 extern SystemCalls systemCalls;

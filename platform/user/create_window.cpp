@@ -1,4 +1,5 @@
 // Window classes, and the creation of windows.
+#include "platform/kernel/heap.h"
 #include "platform/user/state.h"
 
 #include <algorithm>
@@ -39,15 +40,21 @@ ATOM WINAPI RegisterClassExA(const WNDCLASSEXA* record)
         SetLastError(ERROR_ALREADY_EXISTS);
         return 0;
     }
-    auto entry = std::make_unique<WindowClass>();
-    entry->record = *record;
-    entry->name = record->lpszClassName;
-    entry->record.lpszClassName = entry->name.c_str();
-    if (!IsNumber(record->lpszMenuName)) {
-        entry->menuName = record->lpszMenuName;
-        entry->record.lpszMenuName = entry->menuName.c_str();
+    const bool kept = WithMemory([&] {
+        auto entry = std::make_unique<WindowClass>();
+        entry->record = *record;
+        entry->name = record->lpszClassName;
+        entry->record.lpszClassName = entry->name.c_str();
+        if (!IsNumber(record->lpszMenuName)) {
+            entry->menuName = record->lpszMenuName;
+            entry->record.lpszMenuName = entry->menuName.c_str();
+        }
+        user.classes.push_back(std::move(entry));
+    });
+    if (!kept) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return 0;
     }
-    user.classes.push_back(std::move(entry));
     return static_cast<ATOM>(0xC000 + user.classes.size());
 }
 
@@ -119,7 +126,7 @@ bool MakeHostWindow(Window& window, int frameLeft, int frameTop)
         window.height = geometry.clientHeight;
     }
     ResizePicture(window);
-    return true;
+    return window.picture.pixels != nullptr;
 }
 
 // A pop-up is owned by the top-level window given as its parent, or else by the first framed window, so that it stays
@@ -221,24 +228,29 @@ HWND WINAPI CreateWindowExA(DWORD, LPCSTR className, LPCSTR title, DWORD style, 
         SetLastError(ERROR_INVALID_HANDLE);
         return nullptr;
     }
-    auto made = std::make_unique<Window>();
-    Window& window = *made;
     const HWND handle = reinterpret_cast<HWND>(user.nextHandle);
-    window.handle = handle;
-    window.windowClass = windowClass;
-    window.style = style;
-    window.title = title != nullptr ? title : "";
-    window.extra.assign(static_cast<size_t>(windowClass->record.cbWndExtra), 0);
-    if (!SetKindAndRelations(window, parent)) {
-        SetLastError(ERROR_INVALID_HANDLE);
-        return nullptr;
-    }
-    SetClientArea(window, x, y, width, height);
     user.nextHandle += 4;
-    user.windows.push_back(std::move(made));
-    if (IsTopLevel(window) && !OpenOnHost(window, menuOrId, x, y)) {
+    bool related = true;
+    const bool made = WithMemory([&] {
+        user.windows.push_back(std::make_unique<Window>());
+        Window& window = *user.windows.back();
+        window.handle = handle;
+        window.windowClass = windowClass;
+        window.style = style;
+        window.title = title != nullptr ? title : "";
+        window.extra.assign(static_cast<size_t>(windowClass->record.cbWndExtra), 0);
+        related = SetKindAndRelations(window, parent);
+        SetClientArea(window, x, y, width, height);
+    });
+    Window* window = Lookup(handle);
+    bool opened = made && related;
+    if (opened && IsTopLevel(*window)) {
+        opened = false;
+        WithMemory([&] { opened = OpenOnHost(*window, menuOrId, x, y); });
+    }
+    if (!opened) {
         RemoveWindow(handle);
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        SetLastError(related ? ERROR_NOT_ENOUGH_MEMORY : ERROR_INVALID_HANDLE);
         return nullptr;
     }
     AnnounceCreation(handle, parameter);

@@ -1,4 +1,5 @@
 // Cursors and icons, read from .cur and .ico resources, and image files.
+#include "platform/kernel/heap.h"
 #include "platform/user/state.h"
 
 #include <algorithm>
@@ -197,16 +198,21 @@ const DirectoryEntry* NearestEntry(const std::vector<DirectoryEntry>& entries, i
 
 HICON LoadIconOfSize(HINSTANCE instance, LPCSTR name, int width)
 {
-    const std::vector<DirectoryEntry> entries = ReadDirectory(ResourceBytes(instance, name, RT_ICON), 1);
-    const DirectoryEntry* entry = NearestEntry(entries, width > 0 ? width : standardIconSize);
-    DecodedImage decoded;
-    if ((entry == nullptr) || !DecodeImage(entry->image, &decoded)) {
-        SetLastError(ERROR_FILE_NOT_FOUND);
-        return nullptr;
-    }
-    images.icons.push_back(
-        std::make_unique<HICON__>(HICON__{decoded.width, decoded.height, std::move(decoded.pixels)}));
-    return images.icons.back().get();
+    HICON made = nullptr;
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    WithMemory([&] {
+        const std::vector<DirectoryEntry> entries = ReadDirectory(ResourceBytes(instance, name, RT_ICON), 1);
+        const DirectoryEntry* entry = NearestEntry(entries, width > 0 ? width : standardIconSize);
+        DecodedImage decoded;
+        if ((entry == nullptr) || !DecodeImage(entry->image, &decoded)) {
+            SetLastError(ERROR_FILE_NOT_FOUND);
+            return;
+        }
+        images.icons.push_back(
+            std::make_unique<HICON__>(HICON__{decoded.width, decoded.height, std::move(decoded.pixels)}));
+        made = images.icons.back().get();
+    });
+    return made;
 }
 
 bool IsLiveIcon(HICON icon)
@@ -232,16 +238,21 @@ HCURSOR WINAPI LoadCursorA(HINSTANCE instance, LPCSTR name)
         }
         return name == static_cast<LPCSTR>(IDC_WAIT) ? &waitCursor : nullptr;
     }
-    const std::vector<DirectoryEntry> entries = ReadDirectory(ResourceBytes(instance, name, RT_CURSOR), 2);
-    const DirectoryEntry* entry = NearestEntry(entries, standardIconSize);
-    DecodedImage decoded;
-    if ((entry == nullptr) || !DecodeImage(entry->image, &decoded)) {
-        SetLastError(ERROR_FILE_NOT_FOUND);
-        return nullptr;
-    }
-    images.cursors.push_back(std::make_unique<HCURSOR__>(HCURSOR__{
-        hostCursorImage, entry->hotX, entry->hotY, decoded.width, decoded.height, std::move(decoded.pixels)}));
-    return images.cursors.back().get();
+    HCURSOR made = nullptr;
+    SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+    WithMemory([&] {
+        const std::vector<DirectoryEntry> entries = ReadDirectory(ResourceBytes(instance, name, RT_CURSOR), 2);
+        const DirectoryEntry* entry = NearestEntry(entries, standardIconSize);
+        DecodedImage decoded;
+        if ((entry == nullptr) || !DecodeImage(entry->image, &decoded)) {
+            SetLastError(ERROR_FILE_NOT_FOUND);
+            return;
+        }
+        images.cursors.push_back(std::make_unique<HCURSOR__>(HCURSOR__{
+            hostCursorImage, entry->hotX, entry->hotY, decoded.width, decoded.height, std::move(decoded.pixels)}));
+        made = images.cursors.back().get();
+    });
+    return made;
 }
 
 BOOL WINAPI DestroyCursor(HCURSOR cursor)

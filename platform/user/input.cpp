@@ -1,4 +1,5 @@
 // What the host reports, as messages; and the state of keys, buttons and pointer.
+#include "platform/kernel/heap.h"
 #include "platform/user/state.h"
 
 #include <algorithm>
@@ -172,6 +173,7 @@ void TakeActivation(const HostEvent& event)
 
 bool CollectEvents(int waitMilliseconds)
 {
+    KeepMemoryReserve();
     host->pump(waitMilliseconds);
     HostEvent event = {};
     bool any = false;

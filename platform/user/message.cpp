@@ -1,4 +1,5 @@
 // The message queue: taking, dispatching, translating, posting, and what a window does by default.
+#include "platform/kernel/heap.h"
 #include "platform/user/state.h"
 
 #include <algorithm>
@@ -179,8 +180,7 @@ BOOL WINAPI PostMessageA(HWND handle, UINT message, WPARAM wParam, LPARAM lParam
     int x = 0;
     int y = 0;
     host->pointer(&x, &y);
-    user.posted.push_back({handle, message, wParam, lParam, host->ticks(), {x, y}});
-    return TRUE;
+    return WithMemory([&] { user.posted.push_back({handle, message, wParam, lParam, host->ticks(), {x, y}}); });
 }
 
 LRESULT WINAPI DefWindowProcA(HWND handle, UINT message, WPARAM, LPARAM lParam)

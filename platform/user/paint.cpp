@@ -33,6 +33,7 @@ HDC WINAPI BeginPaint(HWND handle, PAINTSTRUCT* paint)
         return nullptr;
     }
     *paint = {};
+    ResizePicture(*window); // there may be memory now that was refused before
     HDC dc = DCOfWindow(*window);
     paint->hdc = dc;
     paint->rcPaint = RegionBox(window->update);

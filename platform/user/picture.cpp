@@ -1,4 +1,5 @@
 // The retained picture of every window, its device context, and the points at which pictures reach the screen.
+#include "platform/kernel/heap.h"
 #include "platform/user/state.h"
 
 #include <algorithm>
@@ -16,8 +17,8 @@ void PresentWindow(Window& window)
         return;
     }
     window.picture.dirty = {};
-    HostRect part = {std::max(dirty.left, 0), std::max(dirty.top, 0), std::min(dirty.right, window.width),
-                     std::min(dirty.bottom, window.height)};
+    HostRect part = {std::max(dirty.left, 0), std::max(dirty.top, 0), std::min(dirty.right, window.picture.width),
+                     std::min(dirty.bottom, window.picture.height)};
     if (part.left < part.right && part.top < part.bottom) {
         host->present(window.hostWindow, &part);
     }
@@ -25,7 +26,7 @@ void PresentWindow(Window& window)
 
 } // namespace
 
-// Keeps the old content where both sizes have it.
+// Keeps the old content where both sizes have it; all of the old picture where there is no memory for the new one.
 void ResizePicture(Window& window)
 {
     if ((window.hostWindow == nullptr) ||
@@ -35,7 +36,10 @@ void ResizePicture(Window& window)
     }
     size_t width = static_cast<size_t>(window.width);
     size_t height = static_cast<size_t>(window.height);
-    std::vector<uint32_t> pixels(width * height, unpaintedPixel);
+    std::vector<uint32_t> pixels;
+    if (!WithMemory([&] { pixels.assign(width * height, unpaintedPixel); })) {
+        return;
+    }
     size_t keptWidth = static_cast<size_t>(std::min(window.width, window.picture.width));
     int keptHeight = std::min(window.height, window.picture.height);
     for (int row = 0; row < keptHeight && keptWidth > 0; row++) {

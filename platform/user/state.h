@@ -109,7 +109,7 @@ Window* FirstFramedWindow();
 bool IsTopLevel(const Window& window);
 LRESULT CallProcedure(const Window& window, UINT message, WPARAM wParam, LPARAM lParam);
 void SendSizeAndMove(HWND handle); // a new window's first WM_SIZE and WM_MOVE
-void RemoveWindow(HWND handle);    // its record and its place in the order
+void RemoveWindow(HWND handle);    // all that it holds, its record and its place in the order
 
 RECT ClientBox(const Window& window);     // origin (0, 0)
 POINT ClientOrigin(const Window& window); // on the screen, now

@@ -1,4 +1,5 @@
 // Windows after their creation: destruction, title, showing, order and capture.
+#include "platform/kernel/heap.h"
 #include "platform/user/state.h"
 
 #include <algorithm>
@@ -100,6 +101,9 @@ void SendSizeAndMove(HWND handle)
 
 void RemoveWindow(HWND handle)
 {
+    if (Window* window = Lookup(handle)) {
+        ReleaseWindow(*window);
+    }
     std::erase(user.zOrder, handle);
     std::erase_if(user.windows, [&](const std::unique_ptr<Window>& window) { return window->handle == handle; });
 }
@@ -125,7 +129,6 @@ BOOL WINAPI DestroyWindow(HWND handle)
         DestroyWindow(child);
     }
     SendMessageA(handle, WM_NCDESTROY, 0, 0);
-    ReleaseWindow(*Lookup(handle));
     RemoveWindow(handle);
     if (user.foreground == handle) {
         SetForeground(user.programActive ? GetTopWindow(nullptr) : nullptr);
@@ -144,7 +147,10 @@ BOOL WINAPI SetWindowTextA(HWND handle, LPCSTR text)
     if (window == nullptr) {
         return FALSE;
     }
-    window->title = text != nullptr ? text : "";
+    if (!WithMemory([&] { window->title = text != nullptr ? text : ""; })) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return FALSE;
+    }
     if (window->hostWindow != nullptr) {
         host->setTitle(window->hostWindow, window->title.c_str());
     }

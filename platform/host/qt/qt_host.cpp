@@ -3,6 +3,7 @@
 #include "platform/host/qt/qt_internal.h"
 #include "platform/host/qt/qt_server.h"
 #include "platform/host/qt/sound_pulse.h"
+#include "platform/kernel/heap.h"
 
 #include <QAbstractEventDispatcher>
 #include <QApplication>
@@ -17,6 +18,8 @@
 #include <ctime>
 #include <deque>
 #include <langinfo.h>
+#include <new>
+#include <type_traits>
 
 namespace qthost {
 
@@ -238,38 +241,66 @@ uint32_t Ticks()
 
 } // namespace qthost
 
+namespace {
+
+// The call, made again with the reserve given up where the window library was refused memory in it. Refused once
+// more, a call that can fail has failed, and any other ends the process.
+template <auto function>
+struct Attempt;
+
+template <typename Result, typename... Arguments, Result (*function)(Arguments...)>
+struct Attempt<function> {
+    static Result Call(Arguments... arguments)
+    {
+        try {
+            return function(arguments...);
+        } catch (const std::bad_alloc&) {
+            GiveUpMemoryReserve();
+        }
+        if constexpr (std::is_void_v<Result>) {
+            function(arguments...);
+        } else {
+            Result result = {};
+            WithMemory([&] { result = function(arguments...); });
+            return result;
+        }
+    }
+};
+
+} // namespace
+
 const Host qtHost = {
-    .start = qthost::Start,
-    .stop = qthost::Stop,
-    .screenSize = qthost::ScreenSize,
-    .pump = qthost::Pump,
-    .nextEvent = qthost::NextEvent,
-    .createWindow = qthost::CreateWindow,
-    .destroyWindow = qthost::DestroyWindow,
-    .placeWindow = qthost::PlaceWindow,
-    .showWindow = qthost::ShowWindow,
-    .raiseWindow = qthost::RaiseWindow,
-    .windowGeometry = qthost::WindowGeometry,
-    .limitSize = qthost::LimitSize,
-    .setTitle = qthost::SetTitle,
-    .setIcons = qthost::SetIcons,
-    .setPicture = qthost::SetPicture,
-    .present = qthost::Present,
-    .buildMenu = qthost::BuildMenu,
-    .setMenuItem = qthost::SetMenuItem,
-    .createScrollBar = qthost::CreateScrollBar,
-    .destroyScrollBar = qthost::DestroyScrollBar,
-    .setScrollBar = qthost::SetScrollBar,
+    .start = Attempt<qthost::Start>::Call,
+    .stop = Attempt<qthost::Stop>::Call,
+    .screenSize = Attempt<qthost::ScreenSize>::Call,
+    .pump = Attempt<qthost::Pump>::Call,
+    .nextEvent = Attempt<qthost::NextEvent>::Call,
+    .createWindow = Attempt<qthost::CreateWindow>::Call,
+    .destroyWindow = Attempt<qthost::DestroyWindow>::Call,
+    .placeWindow = Attempt<qthost::PlaceWindow>::Call,
+    .showWindow = Attempt<qthost::ShowWindow>::Call,
+    .raiseWindow = Attempt<qthost::RaiseWindow>::Call,
+    .windowGeometry = Attempt<qthost::WindowGeometry>::Call,
+    .limitSize = Attempt<qthost::LimitSize>::Call,
+    .setTitle = Attempt<qthost::SetTitle>::Call,
+    .setIcons = Attempt<qthost::SetIcons>::Call,
+    .setPicture = Attempt<qthost::SetPicture>::Call,
+    .present = Attempt<qthost::Present>::Call,
+    .buildMenu = Attempt<qthost::BuildMenu>::Call,
+    .setMenuItem = Attempt<qthost::SetMenuItem>::Call,
+    .createScrollBar = Attempt<qthost::CreateScrollBar>::Call,
+    .destroyScrollBar = Attempt<qthost::DestroyScrollBar>::Call,
+    .setScrollBar = Attempt<qthost::SetScrollBar>::Call,
     .pointer = qthost::Pointer,
     .buttons = qthost::Buttons,
     .modifiers = qthost::Modifiers,
-    .warpPointer = qthost::WarpPointer,
-    .capturePointer = qthost::CapturePointer,
-    .setCursor = qthost::SetCursor,
-    .showOutline = qthost::ShowOutline,
-    .chooseFile = qthost::ChooseFile,
-    .playSound = PlayWave,
+    .warpPointer = Attempt<qthost::WarpPointer>::Call,
+    .capturePointer = Attempt<qthost::CapturePointer>::Call,
+    .setCursor = Attempt<qthost::SetCursor>::Call,
+    .showOutline = Attempt<qthost::ShowOutline>::Call,
+    .chooseFile = Attempt<qthost::ChooseFile>::Call,
+    .playSound = Attempt<PlayWave>::Call,
     .beep = qthost::Beep,
-    .openDocument = qthost::OpenDocument,
+    .openDocument = Attempt<qthost::OpenDocument>::Call,
     .ticks = qthost::Ticks,
 };

@@ -1,0 +1,73 @@
+#include "platform/kernel/heap.h"
+
+#include "platform/kernel/system_calls.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <new>
+
+void (*lastFunction)() = nullptr;
+
+namespace {
+
+constexpr unsigned long lastReserveSize = 1ul << 20;
+
+void* reserve = nullptr;
+void* lastReserve = nullptr;
+
+void AtRefusal()
+{
+    if (!GiveUpMemoryReserve()) {
+        throw std::bad_alloc();
+    }
+}
+
+// Nobody caught what a refused allocation threw. Whatever fails from here on ends the process where it stands.
+[[noreturn]] void EndProcess()
+{
+    static bool ending = false;
+    if (!ending) {
+        ending = true;
+        fputs("Kestrel Map Tool: there is no memory left, the program ends.\n", stderr);
+        free(lastReserve);
+        lastReserve = nullptr;
+        if (lastFunction != nullptr) {
+            lastFunction();
+        }
+    }
+    _Exit(EXIT_FAILURE);
+}
+
+} // namespace
+
+void KeepMemoryReserve()
+{
+    if (reserve != nullptr) {
+        return;
+    }
+    std::set_new_handler(AtRefusal);
+    std::set_terminate(EndProcess);
+    reserve = systemCalls.allocate(1, memoryReserveSize);
+    if (lastReserve == nullptr) {
+        lastReserve = systemCalls.allocate(1, lastReserveSize);
+    }
+}
+
+bool GiveUpMemoryReserve()
+{
+    const bool had = reserve != nullptr;
+    free(reserve);
+    reserve = nullptr;
+    return had;
+}
+
+bool memory::Run(void (*work)(void*), void* context)
+{
+    try {
+        work(context);
+        return true;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
