@@ -38,14 +38,11 @@ void SetDefaultButton(WindowPtr dialog, int buttonCount)
 }
 
 // Runs the dialog until one of its first buttons is hit, which is returned; 0 when the program is to end.
-int RunUntilButton(WindowPtr dialog, int buttonCount, bool keepOnTop)
+int RunUntilButton(WindowPtr dialog, int buttonCount)
 {
     int32_t itemHit = 0;
     int32_t itemID = 0;
     while (RunDialogStep(dialog, &itemHit, &itemID)) {
-        if (keepOnTop) {
-            KeepOnTop(dialog);
-        }
         if (itemHit >= 1 && itemHit <= buttonCount) {
             return itemHit;
         }
@@ -103,7 +100,7 @@ void MessageAlert(int width, int height, int sound, int list, int index, const c
     }
     ShowWindowInactive(dialog);
     DrawMockDialog(dialog, true);
-    RunUntilButton(dialog, 1, false);
+    RunUntilButton(dialog, 1);
     AdjustMenus();
     DisposeMockDialog(dialog);
     PaintMapWindow();
@@ -137,7 +134,7 @@ int YesNoAlert(int width, int height, int list, int index, const char* text)
     AddMessage(dialog, width, height, question, messageBlock);
     ShowWindowInactive(dialog);
     DrawMockDialog(dialog, false);
-    const int answer = RunUntilButton(dialog, 2, true);
+    const int answer = RunUntilButton(dialog, 2);
     AdjustMenus();
     DisposeMockDialog(dialog);
     return answer == answerYes;
@@ -182,7 +179,7 @@ int TwoButtonAlert(const char* message, const char* firstText, const char* secon
     DrawMockDialog(dialog, true);
     PlaySoundResource(refusalSound);
     PlaySoundResource(refusalSound);
-    const int button = RunUntilButton(dialog, 2, false);
+    const int button = RunUntilButton(dialog, 2);
     DisposeMockDialog(dialog);
     return button != 0 ? button : 2;
 }

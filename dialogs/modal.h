@@ -19,10 +19,12 @@ enum ModalCode {
 };
 
 // One turn: takes at most one event, handles what belongs to the dialog, reports the rest. 0 and 0 for nothing. The
-// current port is the dialog during the step and restored after it.
+// current port is the dialog during the step and restored after it. A key that would answer or close a dialog which
+// the user does not see only brings it up.
 void ModalDialogStep(WindowPtr dialog, int32_t* itemHit, int32_t* itemID, HRGN mouseRegion);
 
-// A step of the loop of an alert or dialog that only waits for its items: the map window's updates are painted. False
+// A step of the loop of an alert or dialog that only waits for its items: the map window's updates are painted, and
+// the dialog comes back to the top when another window was raised over it. False
 // when the program is to end, or short memory left the dialog without the button that ends it; the loop then ends as
 // if the user had declined.
 bool RunDialogStep(WindowPtr dialog, int32_t* itemHit, int32_t* itemID);

@@ -82,9 +82,27 @@ Outcome HandleMouseDown(WindowPtr dialog)
     case inDrag:
         return Code(dragCode);
     case inGoAway:
-        return closeHit;
+        return window == dialog ? closeHit : nothing;
     default:
         return nothing;
+    }
+}
+
+bool IsAnswer(WindowPtr dialog, int character, bool control)
+{
+    if (control) {
+        return character == 'W' || character == 'w';
+    }
+    return character == escapeKey || character == returnKey || character == enterKey ||
+           (dialog->activeEditItem != nullptr && character != tabKey);
+}
+
+// A dialog that the user does not see comes up first; what was typed until then was meant for something else.
+void ShowInsteadOfAnswering(WindowPtr dialog)
+{
+    BringToTop(dialog);
+    MSG message = {};
+    while (PeekMessageA(&message, nullptr, WM_KEYFIRST, WM_KEYLAST, PM_REMOVE)) {
     }
 }
 
@@ -92,6 +110,10 @@ Outcome HandleKey(WindowPtr dialog)
 {
     const int character = static_cast<int>(currentEvent.message & 0xFF);
     const bool control = (currentEvent.modifiers & controlKey) != 0;
+    if (IsAnswer(dialog, character, control) && !IsInSight(dialog)) {
+        ShowInsteadOfAnswering(dialog);
+        return nothing;
+    }
     if (character == escapeKey || (control && (character == 'W' || character == 'w'))) {
         return HasCloseBox(dialog) ? closeHit : nothing;
     }
@@ -170,5 +192,6 @@ bool RunDialogStep(WindowPtr dialog, int32_t* itemHit, int32_t* itemID)
     if (*itemHit == mapUpdateCode) {
         PaintMapWindow();
     }
+    KeepOnTop(dialog);
     return shell.quitRequested == 0;
 }

@@ -163,6 +163,53 @@ TEST_F(PalettesTest, OnePaletteIsOpenAtATimeAndTheMapStaysAlive)
     EXPECT_EQ(headless.fileDialogs.size(), 1u);
 }
 
+TEST_F(PalettesTest, AQuestionComesBackToTheTopAndNoKeyAnswersItUnseen)
+{
+    for (const bool underPalette : {true, false}) {
+        OpenWith();
+        if (underPalette) {
+            OpenPalette('t', 0, 490, 420);
+        } else {
+            ScriptMenu(204);
+        }
+        WindowPtr other = nullptr;
+        WindowPtr question = nullptr;
+        const auto pressOther = [&] { ThenCheck([&] { ScriptPressAndRelease(other, {95, 3}, {95, 3}); }); };
+        const auto expectOnTop = [](WindowPtr& wanted, const char* when) {
+            ThenCheck([=, &wanted] {
+                EXPECT_EQ(TopDialog(), wanted) << when;
+                EXPECT_EQ(HeadlessPopup()->token, wanted->window) << when;
+            });
+        };
+        ThenCheck([&] { other = TopDialog(); });
+        ScriptControl('s');
+        ThenCheck([&] { question = TopDialog(); });
+        pressOther();
+        expectOnTop(question, "raised again");
+        ThenCheck([] { headless.refusesRaises = 1; });
+        pressOther();
+        ScriptKey(VK_RETURN);
+        expectOnTop(other, "the window manager leaves it there");
+        ThenCheck([] { headless.refusesRaises = 0; });
+        expectOnTop(question, "raised at last");
+        ThenCheck([] { headless.covered = 1; });
+        ScriptKey(VK_RETURN);
+        ThenCheck([this] {
+            EXPECT_EQ(headless.covered, 0) << "a key brings it up";
+            EXPECT_FALSE(Exists("Map101c.dat_old")) << "and does not answer it";
+        });
+        ScriptKey(VK_RETURN);
+        ThenCheck([this] {
+            EXPECT_TRUE(Exists("Map101c.dat_old")) << "the next one does";
+            if (shell.featuresPaletteOpen == 0) {
+                ScriptButton("Cancel");
+            }
+        });
+        QuitAndRun();
+        EXPECT_EQ(remove("Map101c.dat_old"), 0);
+    }
+}
+
 // ---- overlays ----
 
 // Whether the mark, the art or neither is shown in the middle of the cell's left edge.
@@ -291,7 +338,10 @@ TEST_F(PalettesTest, WholeMapOperationsAskFirst)
             ClickItem(209);
         }
         ThenCheck([] { headless.beeps = 0; });
+        WindowPtr palette = nullptr;
+        ThenCheck([&] { palette = TopDialog(); });
         ClickItem(row.item);
+        ThenCheck([&] { ScriptPressAndRelease(palette, {9, 12}, {9, 12}); }); // its close box answers nothing
         ExpectMessage(row.question, row.answer);
         ThenCheck([&] {
             EXPECT_EQ(MarkedCells(), row.cells);

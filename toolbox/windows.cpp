@@ -219,11 +219,36 @@ void ShowHide(WindowPtr window, int show)
     }
 }
 
+void BringToTop(WindowPtr window)
+{
+    if (window != nullptr) {
+        SetWindowPos(window->window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    }
+}
+
 void KeepOnTop(WindowPtr window)
 {
     if (window != nullptr && GetTopWindow(HWND_DESKTOP) != window->window) {
-        SetWindowPos(window->window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+        BringToTop(window);
     }
+}
+
+bool IsInSight(WindowPtr window)
+{
+    constexpr int looks = 6; // along each side
+    RECT frame = {};
+    GetWindowRect(window->window, &frame);
+    bool seen = false;
+    for (int i = 0; i < looks * looks; i++) {
+        const LONG across = (2 * (i % looks) + 1) * (frame.right - frame.left) / (2 * looks);
+        const LONG down = (2 * (i / looks) + 1) * (frame.bottom - frame.top) / (2 * looks);
+        const HWND shown = WindowFromPoint({frame.left + across, frame.top + down});
+        if (shown != nullptr && shown != window->window) {
+            return false;
+        }
+        seen = seen || shown != nullptr;
+    }
+    return seen;
 }
 
 void GetWindowContentRect(WindowPtr window, Rect* rect)

@@ -34,8 +34,11 @@ void SetWTitle(WindowPtr window, const char* title);
 void GetWTitle(WindowPtr window, char* title); // 255 bytes
 void ShowWindowInactive(WindowPtr window);
 void ShowHide(WindowPtr window, int show);
-// Brings the window to the top unless it is there already.
+void BringToTop(WindowPtr window);
+// Brings the window to the top unless it is there already. Cheap enough for every turn of a loop.
 void KeepOnTop(WindowPtr window);
+// Whether the user can see the window now: no other one of ours lies over it, and nobody else's over all of it.
+bool IsInSight(WindowPtr window);
 
 // Draws the rectangle's outline on the screen, or removes the one that is there.
 void ScreenOutline(const Rect* rect);

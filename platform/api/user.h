@@ -23,11 +23,13 @@
 #define WM_GETMINMAXINFO 0x0024
 #define WM_WINDOWPOSCHANGED 0x0047
 #define WM_NCDESTROY 0x0082
+#define WM_KEYFIRST 0x0100
 #define WM_KEYDOWN 0x0100
 #define WM_KEYUP 0x0101
 #define WM_CHAR 0x0102
 #define WM_SYSKEYDOWN 0x0104
 #define WM_SYSKEYUP 0x0105
+#define WM_KEYLAST 0x0109
 #define WM_SYSCHAR 0x0106
 #define WM_COMMAND 0x0111
 #define WM_HSCROLL 0x0114
@@ -196,6 +198,7 @@ BOOL WINAPI ClientToScreen(HWND window, LPPOINT point);
 int WINAPI MapWindowPoints(HWND from, HWND to, LPPOINT points, UINT count);
 // The program's own windows only: the topmost one that is shown and is no child, or none.
 HWND WINAPI GetTopWindow(HWND parent);
+HWND WINAPI WindowFromPoint(POINT place); // the program's own, no child; none where another program's shows
 HWND WINAPI GetForegroundWindow();
 HWND WINAPI SetCapture(HWND window);
 BOOL WINAPI ReleaseCapture();

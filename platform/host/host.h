@@ -127,6 +127,10 @@ struct Host {
     void (*placeWindow)(HostWindow* window, int left, int top, int clientWidth, int clientHeight);
     void (*showWindow)(HostWindow* window, int how); // HostShow
     void (*raiseWindow)(HostWindow* window);
+    // Which of the program's own windows the window manager has above all others now, null when that is not known;
+    // and which one shows at a place of the screen, null when none does or another program's lies there.
+    HostWindow* (*topWindow)();
+    HostWindow* (*windowAt)(int x, int y);
     void (*windowGeometry)(HostWindow* window, HostGeometry* geometry);
     // Client sizes that the window manager lets the user reach; a maximum of 0 means none.
     void (*limitSize)(HostWindow* window, int minWidth, int minHeight, int maxWidth, int maxHeight);

@@ -259,8 +259,27 @@ void SetForeground(HWND handle)
     user.foreground = handle;
 }
 
+namespace {
+
+HWND HandleOf(const HostWindow* hostWindow)
+{
+    for (const std::unique_ptr<Window>& window : user.windows) {
+        if (hostWindow != nullptr && window->hostWindow == hostWindow) {
+            return window->handle;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
 HWND WINAPI GetTopWindow(HWND parent)
 {
+    // A window manager raises what is clicked, and tells nobody.
+    const HWND top = host != nullptr ? HandleOf(host->topWindow()) : nullptr;
+    if (const auto place = std::find(user.zOrder.begin(), user.zOrder.end(), top); place != user.zOrder.end()) {
+        std::rotate(user.zOrder.begin(), place, place + 1);
+    }
     for (HWND handle : user.zOrder) {
         const Window* window = Lookup(handle);
         if ((parent == nullptr) && (window != nullptr) && window->visible && !window->destroying) {
@@ -268,6 +287,11 @@ HWND WINAPI GetTopWindow(HWND parent)
         }
     }
     return nullptr;
+}
+
+HWND WINAPI WindowFromPoint(POINT place)
+{
+    return host != nullptr ? HandleOf(host->windowAt(place.x, place.y)) : nullptr;
 }
 
 HWND WINAPI GetForegroundWindow()

@@ -138,17 +138,6 @@ int NextEvent(HostEvent* event)
     return 1;
 }
 
-// Framed windows stay below pop-ups.
-void PutOnTop(HeadlessWindow* window)
-{
-    std::erase(headless.windows, window);
-    auto place = headless.windows.begin();
-    while (window->kind == hostFramedWindow && place != headless.windows.end() && (*place)->kind == hostPopupWindow) {
-        ++place;
-    }
-    headless.windows.insert(place, window);
-}
-
 HostWindow* CreateWindow(const HostWindowRequest* request, void* token)
 {
     HeadlessWindow* window = new HeadlessWindow{};
@@ -209,7 +198,26 @@ void ShowWindow(HostWindow* handle, int how)
 void RaiseWindow(HostWindow* handle)
 {
     headless.raises++;
-    PutOnTop(FromHandle(handle));
+    headless.covered = 0;
+    if (!headless.refusesRaises) {
+        PutOnTop(FromHandle(handle));
+    }
+}
+
+HostWindow* TopWindow()
+{
+    const auto top = std::find_if(headless.windows.begin(), headless.windows.end(),
+                                  [](const HeadlessWindow* window) { return window->visible != 0; });
+    return top != headless.windows.end() ? (*top)->handle : nullptr;
+}
+
+HostWindow* WindowAt(int x, int y)
+{
+    const auto shown =
+        std::find_if(headless.windows.begin(), headless.windows.end(), [=](const HeadlessWindow* window) {
+            return window->visible != 0 && Contains(window->frame, x, y);
+        });
+    return shown != headless.windows.end() && !headless.covered ? (*shown)->handle : nullptr;
 }
 
 void WindowGeometry(HostWindow* handle, HostGeometry* geometry)
@@ -442,6 +450,16 @@ HostEvent EventOfNow(int kind, const HeadlessWindow* window)
     return event;
 }
 
+void PutOnTop(HeadlessWindow* window)
+{
+    std::erase(headless.windows, window);
+    auto place = headless.windows.begin();
+    while (window->kind == hostFramedWindow && place != headless.windows.end() && (*place)->kind == hostPopupWindow) {
+        ++place;
+    }
+    headless.windows.insert(place, window);
+}
+
 HeadlessWindow* WindowUnderPointer()
 {
     const int x = headless.pointer.x;
@@ -638,6 +656,8 @@ const Host headlessHost = {
     .placeWindow = PlaceWindow,
     .showWindow = ShowWindow,
     .raiseWindow = RaiseWindow,
+    .topWindow = TopWindow,
+    .windowAt = WindowAt,
     .windowGeometry = WindowGeometry,
     .limitSize = LimitSize,
     .setTitle = SetTitle,

@@ -4,8 +4,8 @@
 // a message.
 //
 // The desktop: framed windows have a border of 4 pixels at the left, right and bottom, a caption of 24 pixels and,
-// when they have a menu, a menu bar of 22; pop-ups have no frame and stay above framed windows. All coordinates of
-// the script are screen coordinates.
+// when they have a menu, a menu bar of 22; pop-ups have no frame and stay above framed windows. The window manager
+// raises what is pressed, and says nothing. All coordinates of the script are screen coordinates.
 #pragma once
 
 #include "platform/host/host.h"
@@ -143,9 +143,11 @@ struct HeadlessState {
     int outlineChanges = 0; // calls that showed an outline
     int warps = 0;
     int raises = 0;
+    int refusesRaises = 0; // the window manager leaves the order as it is
+    int covered = 0;       // another program's window lies over all of ours, until one of them is raised
 };
 
-// For reading; a test may set what the user holds.
+// For reading; a test may set what the user holds and what the desktop does.
 extern HeadlessState headless;
 
 // Forgets everything, windows and script included, and begins with a fresh screen.

@@ -16,6 +16,7 @@ void QueueEvent(const HostEvent& event);
 HostEvent EventOfNow(int kind, const HeadlessWindow* window);
 // The window whose client area is topmost under the pointer, null where there is none.
 HeadlessWindow* WindowUnderPointer();
+void PutOnTop(HeadlessWindow* window); // framed windows stay below pop-ups
 HeadlessWindow* KeyboardWindow();
 HeadlessWindow* FirstFrame();
 void SetClientSize(HeadlessWindow* window, int width, int height);

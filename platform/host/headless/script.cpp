@@ -146,6 +146,7 @@ void PressButton(int button)
         return;
     }
     script.pressed = target;
+    PutOnTop(target);
     script.delivered |= mask;
     HostEvent event = EventOfNow(hostPointerDown, target);
     event.button = button;

@@ -36,8 +36,10 @@ struct Window {
     int minHeight = 0;
     int maxWidth = 0;
     int maxHeight = 0;
-    int wheelRest = 0;        // what high-resolution wheels turned short of a whole notch
-    bool placing = false;     // the program itself moves or sizes it: no hostGeometry
+    int wheelRest = 0;    // what high-resolution wheels turned short of a whole notch
+    bool placing = false; // the program itself moves or sizes it: no hostGeometry
+    bool raising = false; // it was not seen at the top since it was to be raised
+    uint32_t raiseTime = 0;
     bool sizeRefused = false; // the window manager did not give it the size that was asked for last
 };
 
@@ -82,7 +84,6 @@ HostWindow* CreateWindow(const HostWindowRequest* request, void* token);
 void DestroyWindow(HostWindow* handle);
 void PlaceWindow(HostWindow* handle, int left, int top, int clientWidth, int clientHeight);
 void ShowWindow(HostWindow* handle, int how);
-void RaiseWindow(HostWindow* handle);
 void WindowGeometry(HostWindow* handle, HostGeometry* geometry);
 void LimitSize(HostWindow* handle, int minWidth, int minHeight, int maxWidth, int maxHeight);
 void SetTitle(HostWindow* handle, const char* title);
@@ -91,6 +92,12 @@ void SetPicture(HostWindow* handle, const uint32_t* pixels, int width, int heigh
 void Present(HostWindow* handle, const HostRect* part);
 // Sets the outer widget so that the client area has this size, whatever limits the user's sizing has.
 void SizeClient(Window* window, int clientWidth, int clientHeight);
+
+// ---- qt_order.cpp ----
+
+void RaiseWindow(HostWindow* handle);
+HostWindow* TopWindow();
+HostWindow* WindowAt(int x, int y);
 
 // ---- qt_keys.cpp ----
 
@@ -123,8 +130,9 @@ struct Devices {
     unsigned modifiers;
 };
 
-// The server's pixels as logical ones.
+// The server's pixels as logical ones, and back.
 QPoint ToLogical(int x, int y);
+QPoint ToServer(int x, int y);
 Devices QueryDevices();
 void Pointer(int* x, int* y);
 unsigned Buttons();

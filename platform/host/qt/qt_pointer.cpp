@@ -41,18 +41,6 @@ struct CursorState {
 
 CursorState* cursorState = nullptr;
 
-// Qt keeps each screen's corner where the server has it and scales the rest.
-QPoint ToServer(int x, int y)
-{
-    const QScreen* screen = QGuiApplication::screenAt(QPoint(x, y));
-    if (screen == nullptr) {
-        screen = QGuiApplication::primaryScreen();
-    }
-    const QPoint corner = screen->geometry().topLeft();
-    const double scale = screen->devicePixelRatio();
-    return QPoint(corner.x() + qRound((x - corner.x()) * scale), corner.y() + qRound((y - corner.y()) * scale));
-}
-
 template <size_t count>
 unsigned Translate(const MaskRow (&rows)[count], unsigned serverMask)
 {
@@ -77,6 +65,18 @@ QCursor ImageCursor(const QImage& image, int hotX, int hotY)
 }
 
 } // namespace
+
+// Qt keeps each screen's corner where the server has it and scales the rest.
+QPoint ToServer(int x, int y)
+{
+    const QScreen* screen = QGuiApplication::screenAt(QPoint(x, y));
+    if (screen == nullptr) {
+        screen = QGuiApplication::primaryScreen();
+    }
+    const QPoint corner = screen->geometry().topLeft();
+    const double scale = screen->devicePixelRatio();
+    return QPoint(corner.x() + qRound((x - corner.x()) * scale), corner.y() + qRound((y - corner.y()) * scale));
+}
 
 QPoint ToLogical(int x, int y)
 {

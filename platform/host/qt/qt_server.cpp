@@ -6,6 +6,7 @@
 #include <QGuiApplication>
 #include <QThread>
 #include <QtGui/qguiapplication_platform.h>
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -66,6 +67,11 @@ void CloseServer()
         xcb_disconnect(server);
     }
     server = nullptr;
+}
+
+bool HasServer()
+{
+    return server != nullptr;
 }
 
 bool DisplayIsLost()
@@ -136,6 +142,53 @@ bool QueryServerSize(const QWindow* window, int* width, int* height)
     *width = reply->width;
     *height = reply->height;
     return true;
+}
+
+namespace {
+
+ReplyOf<xcb_query_tree_reply_t> QueryTree(xcb_window_t window)
+{
+    return ReplyOf<xcb_query_tree_reply_t>(xcb_query_tree_reply(server, xcb_query_tree(server, window), nullptr));
+}
+
+} // namespace
+
+WId QueryOutermost(const QWindow* window)
+{
+    xcb_window_t id = server != nullptr ? IdOf(window) : 0;
+    while (id != 0) {
+        const auto tree = QueryTree(id);
+        if (!tree || tree->parent == tree->root) {
+            return tree ? id : 0;
+        }
+        id = tree->parent;
+    }
+    return 0;
+}
+
+std::vector<WId> QueryStack()
+{
+    const auto tree = server != nullptr ? QueryTree(rootWindow) : nullptr;
+    if (!tree) {
+        return {};
+    }
+    const xcb_window_t* lowest = xcb_query_tree_children(tree.get());
+    std::vector<WId> stack(lowest, lowest + xcb_query_tree_children_length(tree.get()));
+    std::reverse(stack.begin(), stack.end());
+    return stack;
+}
+
+WId QueryChildAt(WId parent, int x, int y)
+{
+    if (server == nullptr) {
+        return 0;
+    }
+    const xcb_window_t holder = parent != 0 ? static_cast<xcb_window_t>(parent) : rootWindow;
+    const ReplyOf<xcb_translate_coordinates_reply_t> reply(xcb_translate_coordinates_reply(
+        server,
+        xcb_translate_coordinates(server, rootWindow, holder, static_cast<int16_t>(x), static_cast<int16_t>(y)),
+        nullptr));
+    return reply ? reply->child : 0;
 }
 
 void WaitForServer()

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <QWindow>
+#include <vector>
 
 namespace qthost {
 
@@ -16,6 +17,7 @@ struct ServerPointer {
 // 0 when the X server answers; otherwise the application object must not be made, since Qt would end the program.
 int OpenServer();
 void CloseServer();
+bool HasServer();
 // Whether the X server has gone away. What was asked of it since was for nothing.
 bool DisplayIsLost();
 bool QueryServerPointer(ServerPointer* pointer);
@@ -27,6 +29,13 @@ bool WarpServerPointer(int x, int y);
 bool QueryServerPlace(const QWindow* window, int* x, int* y);
 // Its size there, without the window manager's frame.
 bool QueryServerSize(const QWindow* window, int* width, int* height);
+// The child of the screen that holds the window: itself, or the window manager's frame around it; 0 when unknown.
+WId QueryOutermost(const QWindow* window);
+// The screen's children, topmost first.
+std::vector<WId> QueryStack();
+// The child of the window (0: of the screen) that lies at this place of the screen, in the server's pixels, and lets
+// no press through; 0 for none.
+WId QueryChildAt(WId parent, int x, int y);
 // Returns when Qt holds every event that the server sent it before; they are still to be processed.
 void WaitForServer();
 // Sends on what Qt has drawn and asked for.

@@ -442,12 +442,6 @@ void ShowWindow(HostWindow* handle, int how)
     }
 }
 
-void RaiseWindow(HostWindow* handle)
-{
-    FromHandle(handle)->top->raise();
-    FlushDisplay();
-}
-
 void WindowGeometry(HostWindow* handle, HostGeometry* geometry)
 {
     const Window* window = FromHandle(handle);
