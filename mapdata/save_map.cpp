@@ -108,7 +108,6 @@ int AskSaveBeforeQuit()
     int32_t itemHit = 0;
     int32_t itemID = 0;
     while (RunDialogStep(dialog, &itemHit, &itemID)) {
-        KeepOnTop(dialog);
         if (itemHit >= saveAnswer && itemHit <= cancelAnswer) {
             answer = itemHit;
             break;

@@ -235,7 +235,7 @@ void KeepOnTop(WindowPtr window)
 
 bool IsInSight(WindowPtr window)
 {
-    constexpr int looks = 6; // along each side
+    constexpr int looks = 5; // along each side
     RECT frame = {};
     GetWindowRect(window->window, &frame);
     bool seen = false;

@@ -196,7 +196,7 @@ BOOL WINAPI GetClientRect(HWND window, LPRECT rect);
 BOOL WINAPI GetWindowRect(HWND window, LPRECT rect);
 BOOL WINAPI ClientToScreen(HWND window, LPPOINT point);
 int WINAPI MapWindowPoints(HWND from, HWND to, LPPOINT points, UINT count);
-// The program's own windows only: the topmost one that is shown and is no child, or none.
+// The program's own windows only: the one that the window manager has topmost and that is no child, or none.
 HWND WINAPI GetTopWindow(HWND parent);
 HWND WINAPI WindowFromPoint(POINT place); // the program's own, no child; none where another program's shows
 HWND WINAPI GetForegroundWindow();

@@ -2,8 +2,8 @@
 
 import os
 
-from journey import run
-from support import model
+from journey import HAND, run
+from support import model, palettes
 from support.mapfiles import HI_LOW, MapData, new_map_data
 
 SAVE_QUESTION, QUIT_QUESTION, RESCUE_QUESTION = (240, 70), (200, 70), (354, 108)
@@ -27,6 +27,43 @@ def open_and_paint(journey, art, data, closes_palette=True, is_kept=False):
     journey.expect_soon(lambda: (journey.shot().pixel(left, top) == (255, 0, 0)) == marked, "a click paints a cell")
     if closes_palette:
         journey.answer(palette, "Escape")
+
+
+def question_over_palette(journey, art, data):
+    """Asks over a palette, which the window manager then raises as it does when it is clicked."""
+    open_and_paint(journey, art, data, closes_palette=False)
+    palette = journey.find_window(size=palettes.FEATURES)
+    grip = (palette.left + 150, palette.top + 9)
+    journey.drag([grip, (640, 430), (640, 440)], pause=HAND)
+    journey.settle()
+    palette = journey.find_window(size=palettes.FEATURES)
+
+    def expect_on_top(question):
+        rows = range(question.top + 1, question.top + question.height - 1)
+        rows_of = lambda shot: [shot.row(question.left + 1, row, question.width - 2) for row in rows]
+        before = rows_of(journey.shot())
+        for place in (palettes.CLOSE_BOX, (150, 248)):
+            journey.click_in(palette, *place)
+            journey.xdotool("windowraise", palette.number)
+            journey.settle()
+            journey.expect(rows_of(journey.shot()) == before, "the question lies over the palette at %d, %d" % place)
+        journey.expect(len(journey.windows()) == 3, "the palette's close box neither closes it nor answers")
+
+    original = journey.read(NAME)
+    journey.keys("ctrl+s")
+    question = journey.wait_window(size=(240, 100))
+    journey.settle()
+    expect_on_top(question)
+    journey.picture("question_over_palette")
+    journey.click_in(question, 140, 80)
+    journey.wait_gone(question)
+    journey.expect(journey.read(NAME) == original, "No writes nothing")
+    journey.keys("ctrl+q")
+    question = journey.wait_window(size=SAVE_QUESTION)
+    journey.settle()
+    expect_on_top(question)
+    journey.click_in(question, 130, 50)
+    journey.expect(journey.wait_exit() == 0, "No Save ends the program")
 
 
 def quit_questions(journey):
@@ -76,6 +113,8 @@ def quit_questions(journey):
     open_and_paint(journey, art, MapData(saved), closes_palette=False, is_kept=True)
     journey.expect(journey.quit(saves=False) == 0, "No Save ends the program also with a palette open")
     journey.expect(journey.read(NAME) == saved, "none of these writes anything")
+
+    question_over_palette(journey, art, MapData(saved))
 
     journey.start()
     journey.display.ask_to_close(journey.map_window())
