@@ -12,6 +12,7 @@ int main()
 {
     signal(SIGXFSZ, SIG_IGN); // a write beyond the limit of file sizes fails like one to a full disk
     KeepMemoryReserve();
+    WatchCrashes();
     host = &qtHost;
     if (host->start() != 0) {
         return 1;

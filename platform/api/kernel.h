@@ -164,8 +164,9 @@ void WINAPI GetLocalTime(LPSYSTEMTIME time);
 // Shifts by what the local clock differs from UTC now, daylight saving time included, whatever it was at that time.
 BOOL WINAPI FileTimeToLocalFileTime(const FILETIME* time, LPFILETIME local);
 BOOL WINAPI FileTimeToSystemTime(const FILETIME* time, LPSYSTEMTIME parts);
-// What ends the program without its doing: here, memory that is refused and that no call can refuse to its caller.
-// The filter is called once, just before the process ends; information may be null. A second call replaces the first.
+// What ends the program without its doing: here a crash, or memory that is refused and that no call can refuse to its
+// caller. The filter is called once, just before the process ends; information may be null. A second call replaces
+// the first.
 struct EXCEPTION_POINTERS;
 typedef LONG(WINAPI* LPTOP_LEVEL_EXCEPTION_FILTER)(EXCEPTION_POINTERS* information);
 constexpr LONG EXCEPTION_EXECUTE_HANDLER = 1;

@@ -2,10 +2,13 @@
 
 #include "platform/kernel/system_calls.h"
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <initializer_list>
 #include <new>
+#include <unistd.h>
 
 void (*lastFunction)() = nullptr;
 
@@ -40,6 +43,33 @@ void AtRefusal()
 }
 
 } // namespace
+
+namespace {
+
+// The handlers are gone by now, so that a second crash ends the process, and so does the alarm.
+void AtCrash(int number)
+{
+    alarm(3);
+    if (lastFunction != nullptr) {
+        lastFunction();
+    }
+    raise(number);
+}
+
+} // namespace
+
+void WatchCrashes()
+{
+    alignas(16) static char stack[256 << 10]; // the program's own may be what ran out
+    const stack_t other = {stack, 0, sizeof stack};
+    sigaltstack(&other, nullptr);
+    struct sigaction action = {};
+    action.sa_handler = AtCrash;
+    action.sa_flags = static_cast<int>(SA_RESETHAND | SA_NODEFER | SA_ONSTACK);
+    for (const int number : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) {
+        sigaction(number, &action, nullptr);
+    }
+}
 
 void KeepMemoryReserve()
 {

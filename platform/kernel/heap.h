@@ -25,3 +25,5 @@ bool WithMemory(Work work)
 
 // Called once, with the process about to end for want of memory; a last, smaller reserve is free then. May be null.
 extern void (*lastFunction)();
+// From here on it is also called when the process crashes, which then ends as it would have. It has three seconds.
+void WatchCrashes();

@@ -1,5 +1,5 @@
-"""Work survives the end of the program, whatever ends it: killed at any moment of painting and saving, told to end by
-the system, or closed by the desktop. KESTREL_KILLS says how often."""
+"""Work survives the end of the program, whatever ends it: killed at any moment of painting and saving, crashing, told
+to end by the system, or closed by the desktop. KESTREL_KILLS says how often."""
 
 import os
 import random
@@ -12,6 +12,9 @@ from support.screen import wait_until
 
 RESCUE_QUESTION = (354, 108)
 NAME = "Map180c.dat"
+ENDS = (signal.SIGKILL, signal.SIGKILL, signal.SIGSEGV, None, signal.SIGTERM)  # None: a close request
+# Seconds after which a stroke must be kept: whoever can writes it at the end.
+WRITTEN_AFTER = {signal.SIGKILL: 1, signal.SIGSEGV: 0.2, signal.SIGTERM: 0.2, None: 0.2}
 KILLS = int(os.environ.get("KESTREL_KILLS", "5"))
 
 
@@ -55,10 +58,10 @@ def kill_and_reopen(journey):
         journey.open_palette("ctrl+t")
         painted = paint_until(journey, place, start, chance, time.monotonic() + chance.uniform(1.5, 3))
         ended = time.monotonic()
-        if kill % 5 == 3:
+        if ENDS[kill % 5] is None:
             journey.display.ask_to_close(journey.map_window())
         else:
-            journey.process.send_signal(signal.SIGTERM if kill % 5 == 4 else signal.SIGKILL)
+            journey.process.send_signal(ENDS[kill % 5])
         journey.wait_exit()
         kept += open_again(journey, art)
         journey.save()
@@ -67,7 +70,7 @@ def kill_and_reopen(journey):
         lost = [
             number
             for number, when in painted
-            if when < ended - 1 and not saved.cell(2 + number % 40, 35 + number // 40) & HI_LOW
+            if when < ended - WRITTEN_AFTER[ENDS[kill % 5]] and not saved.cell(2 + number % 40, 35 + number // 40) & HI_LOW
         ]
         journey.expect(not lost, "kill %d keeps %d cells: lost %s" % (kill + 1, len(painted), lost))
         start += len(painted)
