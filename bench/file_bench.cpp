@@ -2,6 +2,7 @@
 #include "bench/bench.h"
 #include "mapdata/data_file.h"
 #include "mapdata/map_commands.h"
+#include "mapdata/rescue.h"
 #include "toolbox/offscreen.h"
 #include "toolbox/shell_door.h"
 
@@ -114,6 +115,40 @@ void WriteDataFile(benchmark::State& state)
     }
 }
 BENCHMARK(WriteDataFile)->Unit(benchmark::kMicrosecond)->UseRealTime();
+
+// The same bytes written beside a file and put in its place, without syncs: what a rescue copy can cost at least.
+void LimitWriteAndRename(benchmark::State& state)
+{
+    OpenLargestMap();
+    const size_t bytes = 57 + 2 * static_cast<size_t>(maxCellCount) * maxCellCount;
+    void* buffer = calloc(bytes, 1);
+    for (auto _ : state) {
+        const int file = open("limit.new", O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+        if (write(file, buffer, bytes) != static_cast<ssize_t>(bytes)) {
+            std::abort();
+        }
+        close(file);
+        rename("limit.new", "limit.dat");
+    }
+    free(buffer);
+}
+BENCHMARK(LimitWriteAndRename)->Unit(benchmark::kMicrosecond)->UseRealTime();
+
+void WriteRescueCopy(benchmark::State& state)
+{
+    OpenLargestMap();
+    for (auto _ : state) {
+        currentMap.cellColumns[0][0] ^= 1; // nothing is written for a map that is as it was
+        NoteMapChange();
+        KeepRescueCopy();
+    }
+    if (!rescue.copyKept) {
+        state.SkipWithError("there is no copy");
+    }
+    DropRescueCopy();
+    rescue.workDropped = 0;
+}
+BENCHMARK(WriteRescueCopy)->Unit(benchmark::kMicrosecond)->UseRealTime();
 
 } // namespace
 

@@ -94,6 +94,7 @@ void OpenLargestMap()
     const auto folder = std::filesystem::temp_directory_path() / ("kestrel-bench-" + std::to_string(getpid()));
     std::filesystem::create_directories(folder);
     std::filesystem::current_path(folder);
+    setenv("XDG_STATE_HOME", folder.c_str(), 1);
     static std::string created;
     created = folder.string();
     std::atexit([] { std::filesystem::remove_all(created); });
