@@ -187,12 +187,19 @@ bool FileIsUnchanged(const RescueRecord& copy)
            (!now.exists || (copy.file.size == now.size && copy.file.time == now.time && copy.file.hash == now.hash));
 }
 
-bool DataFileIsReadable(const char* path)
+enum DataFileState { unreadableFile, shortFile, wholeFile };
+
+// Overwrites mapBytes.
+DataFileState StateOfDataFile(const char* path)
 {
     MapRecord record;
     size_t taken = 0;
     const int32_t count = ReadWholeFile(path, mapBytes, maxMapBytes);
-    return count > 0 && DecodeMapHeader(mapBytes, static_cast<size_t>(count), &record, &taken) == 0;
+    if (count <= 0 || DecodeMapHeader(mapBytes, static_cast<size_t>(count), &record, &taken) != 0) {
+        return unreadableFile;
+    }
+    const size_t cellBytes = sizeof(TerrainCell) * static_cast<size_t>(record.columnCount * record.rowCount);
+    return taken + cellBytes <= static_cast<size_t>(count) ? wholeFile : shortFile;
 }
 
 } // namespace
@@ -263,8 +270,10 @@ void OfferRescueCopy()
     }
     MapRecord record;
     size_t cellStart = 0;
+    // Nobody replaces a file by a short one: a save broke off, and on a full disk it could not even be noted.
+    const bool brokeOff = copy.saving || StateOfDataFile(path) != wholeFile;
     const int32_t count = ReadCopy(copy, &record, &cellStart);
-    const bool usable = count != 0 && SameGrid(record, currentMap.record) && (copy.saving || FileIsUnchanged(copy));
+    const bool usable = count != 0 && SameGrid(record, currentMap.record) && (brokeOff || FileIsUnchanged(copy));
     const bool use = usable && AskToUse(copy);
     if (shell.quitRequested && usable) {
         return; // not answered: the next program asks again
@@ -285,8 +294,8 @@ int UseRescueCopyForBrokenFile()
     RescueRecord copy;
     MapRecord record;
     size_t cellStart = 0;
-    if (!FullPath(&currentMap.dataFileSpec, path) || !FindRescueCopy(path, &copy) || !copy.saving ||
-        DataFileIsReadable(path) || ReadCopy(copy, &record, &cellStart) == 0) {
+    if (!FullPath(&currentMap.dataFileSpec, path) || !FindRescueCopy(path, &copy) ||
+        StateOfDataFile(path) != unreadableFile || ReadCopy(copy, &record, &cellStart) == 0) {
         return 0;
     }
     if (!AskToUse(copy)) {
