@@ -35,6 +35,7 @@ mkdir "$folder/screen/pixels"
 Xvfb -displayfd 3 -screen 0 1280x1024x24 -fbdir "$folder/screen/pixels" -nocursor -noreset -nolisten tcp \
     3>"$folder/screen/display" >"$folder/screen/server.txt" 2>&1 &
 server=$!
+export SERVER_PROCESS=$server
 tries=0
 until [ -s "$folder/screen/display" ]; do
     tries=$((tries + 1))
