@@ -108,8 +108,10 @@ void OpenLargestMap()
 
     WriteArt("Map900c.bmp");
     const std::string path = folder.string() + "/";
-    MakeFileSpec(path.c_str(), "Map900c.dat", &currentMap.dataFileSpec);
-    MakeFileSpec(path.c_str(), "Map900c.bmp", &currentMap.artFileSpec);
+    MapFiles files;
+    MakeFileSpec(path.c_str(), "Map900c.dat", &files.data);
+    MakeFileSpec(path.c_str(), "Map900c.bmp", &files.art);
+    TakeMapFiles(files);
     currentMap.record.columnCount = maxCellCount;
     currentMap.record.rowCount = maxCellCount;
     Check(AllocateCellColumns() == 0, "allocate the grid");

@@ -7,7 +7,8 @@
 
 void DataFileNameForID(int id, char* name); // "Map101c.dat"
 void ArtFileNameForID(int id, char* name);  // "Map101c.bmp"
-void FileNameRuleAlert(int which);          // 1 data file, 2 art file
+int MapNumberInName(const char* name);      // in its 4th to 6th character; 0 when there is none from 100 to 999
+void FileNameRuleAlert(int which, const char* name); // 1 data file, 2 art file
 
 // The system's open-file dialog over the map window. path: 260 bytes. Nonzero when the user chose a file.
 int ShowFileDialog(WindowPtr owner, const char* title, const char* filter, int filterIndex, char* pathBuffer,
@@ -16,16 +17,17 @@ int ShowFileDialog(WindowPtr owner, const char* title, const char* filter, int f
 // ---- open ----
 
 void OpenMapCommand();
-int16_t ChooseMapDataFile();
+int16_t ChooseMapDataFile(MapFiles* files);
 int16_t OpenMapDataFile();
 int16_t FinishMapLoad(); // window, map image, art and title of the map in memory; shared with New Map
+void ForgetFailedMap();  // what an attempt left in currentMap, unless a map is shown; shared with New Map
 
 // ---- new map and properties ----
 
 void NewMapCommand();
-int16_t ChooseArtFile();
-int16_t CheckArtFileName(int16_t* id);
-int16_t NewMapDialog(int16_t id);
+int16_t ChooseArtFile(MapFiles* files);
+int16_t CheckArtFileName(const FileSpec* art, int16_t* id);
+int16_t NewMapDialog(const MapFiles& files, int16_t id); // on OK the files become those of the map in memory
 void MapIDDialog();
 void UTMDialog();
 void VersionDialog();

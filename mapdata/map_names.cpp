@@ -5,6 +5,8 @@
 #include "toolbox/resources.h"
 #include "toolbox/shell_door.h"
 
+#include <cstring>
+
 namespace {
 
 void FileNameForID(int id, const char* ending, char* name)
@@ -43,7 +45,18 @@ void ArtFileNameForID(int id, char* name)
     FileNameForID(id, "c.bmp", name);
 }
 
-void FileNameRuleAlert(int which)
+int MapNumberInName(const char* name)
+{
+    char digits[4] = "";
+    for (size_t i = 0; i < 3 && strlen(name) > i + 3; i++) {
+        digits[i] = name[i + 3];
+    }
+    int32_t number = 0;
+    StringToNum(digits, &number);
+    return number >= minMapID && number <= maxMapID ? number : 0;
+}
+
+void FileNameRuleAlert(int which, const char* name)
 {
     constexpr int width = 400;
     constexpr int height = 190;
@@ -56,7 +69,7 @@ void FileNameRuleAlert(int which)
 
     const bool isDataFile = which == 1;
     char text[textBufferSize] = "";
-    CopyText(isDataFile ? currentMap.dataFileSpec.name : currentMap.artFileSpec.name, text);
+    CopyText(name, text);
     AppendText(text, " ?");
     AddItem(dialog, {staticTextItem, MakeRect(10, 10, width - 10, 27), text});
     for (const RuleLine& line : ruleLines) {

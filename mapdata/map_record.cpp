@@ -5,6 +5,13 @@
 
 #include <algorithm>
 
+void TakeMapFiles(const MapFiles& files)
+{
+    currentMap.dataFileSpec = files.data;
+    currentMap.artFileSpec = files.art;
+    currentMap.ownFileSpec = files.data;
+}
+
 int16_t AllocateCellColumns()
 {
     ReleaseCellColumns();

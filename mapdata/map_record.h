@@ -48,6 +48,13 @@ struct MapRecord {
     char mapText[256] = {};
 };
 
+// The two files of a map. An attempt to open or create one works on its own, since commands come through under its
+// dialogs.
+struct MapFiles {
+    FileSpec data = {};
+    FileSpec art = {};
+};
+
 struct CurrentMap {
     MapRecord record;
     // Column x holds record.rowCount words; null where there is none. Callers keep x and y inside the counts.
@@ -55,6 +62,7 @@ struct CurrentMap {
     int16_t allocatedColumns = 0; // how many of them are there
     FileSpec dataFileSpec = {};
     FileSpec artFileSpec = {};
+    FileSpec ownFileSpec = {}; // what dataFileSpec must be for a save
     HFILE openDataFile = noFile;
     int mapModified = 0;
     int16_t loadedMapID = 0; // mapID as read or created
@@ -62,6 +70,9 @@ struct CurrentMap {
 };
 
 extern CurrentMap currentMap;
+
+// The map in memory has these files from now on; only SaveMap changes that, with the identity number.
+void TakeMapFiles(const MapFiles& files);
 
 // record.columnCount zero-filled columns of record.rowCount words, in place of the ones that were there. 1 after the
 // memory alert when a block could not be had.

@@ -15,10 +15,10 @@ struct ArtSize {
     int height;
 };
 
-bool ReadArtSize(ArtSize* size)
+bool ReadArtSize(const FileSpec* file, ArtSize* size)
 {
     char path[textBufferSize];
-    if (!FullPath(&currentMap.artFileSpec, path)) {
+    if (!FullPath(file, path)) {
         return false;
     }
     const HANDLE art = LoadImageA(nullptr, path, IMAGE_BITMAP, 0, 0, LR_LOADFROMFILE | LR_CREATEDIBSECTION);
@@ -60,8 +60,10 @@ void FillNewRecord(int id, const ArtSize& art, int version, int easting, int nor
 
 void NewMapCommand()
 {
+    MapFiles files;
     int16_t id = 0;
-    bool created = ChooseArtFile() == 0 && CheckArtFileName(&id) == 0 && NewMapDialog(id) == 0;
+    bool created =
+        ChooseArtFile(&files) == 0 && CheckArtFileName(&files.art, &id) == 0 && NewMapDialog(files, id) == 0;
     if (created) {
         created = AllocateCellColumns() == 0;
         if (created) {
@@ -73,26 +75,28 @@ void NewMapCommand()
         currentMap.mapModified = 1;
         NoteMapCreated();
         OfferRescueCopy();
+    } else {
+        ForgetFailedMap();
     }
     AdjustMenus();
     InitCursor();
 }
 
-int16_t ChooseArtFile()
+int16_t ChooseArtFile(MapFiles* files)
 {
     char title[textBufferSize];
     GetText(title, chooseArtFileText);
-    if (!ChooseFileSpec(title, "Map bmp file (*.bmp)\0*.bmp\0", &currentMap.artFileSpec)) {
+    if (!ChooseFileSpec(title, "Map bmp file (*.bmp)\0*.bmp\0", &files->art)) {
         return 1;
     }
-    currentMap.dataFileSpec = currentMap.artFileSpec;
-    ReplaceMapFileType(currentMap.dataFileSpec.name, "dat");
+    files->data = files->art;
+    ReplaceMapFileType(files->data.name, "dat");
     return 0;
 }
 
-int16_t CheckArtFileName(int16_t* id)
+int16_t CheckArtFileName(const FileSpec* art, int16_t* id)
 {
-    const char* name = currentMap.artFileSpec.name;
+    const char* name = art->name;
     char start[4] = "";
     int number = 0;
     bool follows = strlen(name) == strlen("Map101c.bmp");
@@ -105,23 +109,23 @@ int16_t CheckArtFileName(int16_t* id)
         number = 10 * number + name[i] - '0';
     }
     if (!follows || number < minMapID || number > maxMapID) {
-        FileNameRuleAlert(2);
+        FileNameRuleAlert(2, name);
         return 1;
     }
     *id = static_cast<int16_t>(number);
     return 0;
 }
 
-int16_t NewMapDialog(int16_t id)
+int16_t NewMapDialog(const MapFiles& files, int16_t id)
 {
     ArtSize art = {};
-    if (!ReadArtSize(&art)) {
+    if (!ReadArtSize(&files.art, &art)) {
         return 1;
     }
     char heading[textBufferSize] = "";
-    CopyText(currentMap.dataFileSpec.name, heading);
+    CopyText(files.data.name, heading);
     AppendText(heading, " and ");
-    AppendText(heading, currentMap.artFileSpec.name);
+    AppendText(heading, files.art.name);
     NumberField fields[] = {
         {shownNumber, 101, 30, id, minMapID, maxMapID, mapIDLabelText, mapIDLimitsText},
         {shownNumber, 102, 50, art.width, minMapWidth, maxMapSide, mapWidthLabelText, mapWidthLimitsText},
@@ -134,6 +138,7 @@ int16_t NewMapDialog(int16_t id)
     const bool accepted = RunNumberDialog(460, 190, heading, fields, std::size(fields)) && !shell.mapShown;
     PaintMapWindow();
     if (accepted) {
+        TakeMapFiles(files);
         FillNewRecord(fields[0].value, art, fields[3].value, fields[4].value, fields[5].value);
     }
     AdjustMenus();

@@ -30,18 +30,6 @@ int16_t ReadDataFile()
     return 0;
 }
 
-// The number in the 4th to 6th character of a map file's name, 0 when there is none from 100 to 999.
-int MapNumberInName(const char* name)
-{
-    char digits[4] = "";
-    for (size_t i = 0; i < 3 && strlen(name) > i + 3; i++) {
-        digits[i] = name[i + 3];
-    }
-    int32_t number = 0;
-    StringToNum(digits, &number);
-    return number >= minMapID && number <= maxMapID ? number : 0;
-}
-
 // Brings view and window back to the state without a map, so that the next attempt starts as the first one did.
 void ForgetMapView()
 {
@@ -80,17 +68,25 @@ void SetMapTitle()
     SetWTitle(shell.mapWindow, title);
 }
 
+bool LoadChosenMap(const MapFiles& files, bool rescued)
+{
+    if (shell.mapShown) {
+        return false; // it was opened by its command key under the question about a rescue copy, and stays
+    }
+    TakeMapFiles(files);
+    return (rescued || (OpenMapDataFile() == 0 && ReadDataFile() == 0)) && FinishMapLoad() == 0;
+}
+
 } // namespace
 
 void OpenMapCommand()
 {
+    MapFiles files;
     CloseMapDataFile();
-    const bool chosen = ChooseMapDataFile() == 0;
-    const bool rescued = chosen && UseRescueCopyForBrokenFile() != 0;
-    const bool opened =
-        chosen && (rescued || (OpenMapDataFile() == 0 && ReadDataFile() == 0)) && FinishMapLoad() == 0;
-    if (!opened) {
-        CloseMapDataFile();
+    const bool chosen = ChooseMapDataFile(&files) == 0;
+    const bool rescued = chosen && UseRescueCopyForBrokenFile(&files.data) != 0;
+    if (!chosen || !LoadChosenMap(files, rescued)) {
+        ForgetFailedMap();
     } else if (rescued) {
         NoteBrokenFileReplaced();
     } else {
@@ -101,21 +97,19 @@ void OpenMapCommand()
     InitCursor();
 }
 
-int16_t ChooseMapDataFile()
+int16_t ChooseMapDataFile(MapFiles* files)
 {
-    if (!ChooseFileSpec("Select a map...", "Map dat file (*.dat)\0*.dat\0", &currentMap.dataFileSpec)) {
+    if (!ChooseFileSpec("Select a map...", "Map dat file (*.dat)\0*.dat\0", &files->data)) {
         return 1;
     }
-    const char* dataName = currentMap.dataFileSpec.name;
-    const int number = MapNumberInName(dataName);
+    const int number = MapNumberInName(files->data.name);
     if (number == 0) {
-        FileNameRuleAlert(1);
+        FileNameRuleAlert(1, files->data.name);
         return 1;
     }
-    currentMap.artFileSpec = currentMap.dataFileSpec;
-    char* artName = currentMap.artFileSpec.name;
-    const bool namesArt = ReplaceMapFileType(artName, "bmp");
-    if (!namesArt || GetFileAttributesA(artName) == INVALID_FILE_ATTRIBUTES) {
+    files->art = files->data;
+    const bool namesArt = ReplaceMapFileType(files->art.name, "bmp");
+    if (!namesArt || GetFileAttributesA(files->art.name) == INVALID_FILE_ATTRIBUTES) {
         char expectedName[textBufferSize] = "";
         ArtFileNameForID(number, expectedName);
         char message[textBufferSize] = "Could not find a map art file named: ";
@@ -162,4 +156,16 @@ int16_t FinishMapLoad()
     InvalidateMapRect(nullptr);
     PaintMapWindow();
     return 0;
+}
+
+void ForgetFailedMap()
+{
+    if (shell.mapShown) {
+        return;
+    }
+    CloseMapDataFile();
+    ReleaseCellColumns();
+    const int modified = currentMap.mapModified;
+    currentMap = {};
+    currentMap.mapModified = modified;
 }

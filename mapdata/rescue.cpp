@@ -288,14 +288,14 @@ void OfferRescueCopy()
     }
 }
 
-int UseRescueCopyForBrokenFile()
+int UseRescueCopyForBrokenFile(const FileSpec* file)
 {
     char path[textBufferSize];
     RescueRecord copy;
     MapRecord record;
     size_t cellStart = 0;
-    if (!FullPath(&currentMap.dataFileSpec, path) || !FindRescueCopy(path, &copy) ||
-        StateOfDataFile(path) != unreadableFile || ReadCopy(copy, &record, &cellStart) == 0) {
+    if (!FullPath(file, path) || !FindRescueCopy(path, &copy) || StateOfDataFile(path) != unreadableFile ||
+        ReadCopy(copy, &record, &cellStart) == 0) {
         return 0;
     }
     if (!AskToUse(copy)) {
@@ -303,6 +303,9 @@ int UseRescueCopyForBrokenFile()
             PutRescueCopyAside(copy);
         }
         return 0;
+    }
+    if (shell.mapShown) {
+        return 0; // opened under the question
     }
     const int32_t count = ReadCopy(copy, &record, &cellStart);
     currentMap.record = record;

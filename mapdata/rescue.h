@@ -54,5 +54,5 @@ void OfferRescueCopy();
 // With a data file chosen that is missing or unreadable, as a save that broke off leaves it: the same question, before
 // anything else. 1 when record, cells and loadedMapID are there, as if read from the file; NoteBrokenFileReplaced
 // then stands in for NoteMapOpened, once the map is shown.
-int UseRescueCopyForBrokenFile();
+int UseRescueCopyForBrokenFile(const FileSpec* file);
 void NoteBrokenFileReplaced();

@@ -9,6 +9,15 @@
 
 namespace {
 
+// Whatever the commands before did: a save writes neither the art nor another map's file, nor any that is no map's.
+bool TargetIsThisMaps()
+{
+    const FileSpec& target = currentMap.dataFileSpec;
+    return EqualString(target.folder, currentMap.ownFileSpec.folder, 1, 1) &&
+           EqualString(target.name, currentMap.ownFileSpec.name, 1, 1) &&
+           !EqualString(target.name, currentMap.artFileSpec.name, 0, 1) && MapNumberInName(target.name) != 0;
+}
+
 // Renames the data file to its backup name, over an older backup if need be. A failure is not reported: a new map has
 // no data file yet, and the save goes on in any case.
 void MakeBackup()
@@ -60,12 +69,16 @@ int16_t SaveMap(bool confirm)
     if (confirm && !YesNoAlert(240, 100, saveQuestionText)) {
         return 1;
     }
+    if (!TargetIsThisMaps()) {
+        return 1;
+    }
     NoteSavingBegins();
     CloseMapDataFile();
     if (currentMap.record.mapID == currentMap.loadedMapID) {
         MakeBackup();
     } else {
         DataFileNameForID(currentMap.record.mapID, currentMap.dataFileSpec.name);
+        currentMap.ownFileSpec = currentMap.dataFileSpec;
     }
     if (CreateTarget() != 0) {
         return 1;

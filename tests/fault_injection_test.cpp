@@ -136,7 +136,9 @@ class FailingSaves : public StartedProgram, public TemporaryFolder {
         currentMap.loadedMapID = 101;
         currentMap.mapModified = 1;
         newContent = NewMap(scenario).Bytes();
-        ASSERT_EQ(MakeFileSpec((folder + "/").c_str(), "Map101c.dat", &currentMap.dataFileSpec), 0);
+        MapFiles files;
+        ASSERT_EQ(MakeFileSpec((folder + "/").c_str(), "Map101c.dat", &files.data), 0);
+        TakeMapFiles(files);
         openBefore = OpenDescriptors();
         if (scenario.hasDataFile) {
             ASSERT_EQ(OpenFileSpecRead(&currentMap.dataFileSpec, &currentMap.openDataFile), 0);

@@ -1,6 +1,8 @@
 // New Map from art, and the dialogs of a map's properties.
 #include "tests/editor_session.h"
 
+#include <map>
+
 namespace {
 
 const char widthError[] = "Map width error.  Limits are 450 to 3100. Change width of map art file.";
@@ -190,6 +192,54 @@ TEST_F(NewMapTest, AMapOpenedUnderTheDialogStays)
         ExpectArt("of the opened map");
     });
     QuitAndRun();
+}
+
+// Commands come through under the dialog. What another attempt chose there, and gave up, is none of this map's files.
+TEST_F(NewMapTest, AnAttemptUnderTheDialogLendsItNoFile)
+{
+    const struct {
+        char key;
+        const char* file;
+        const char* button; // that ends the attempt
+    } rows[] = {
+        {'n', "Photo.bmp", "OK"},   {'n', "Map102c.bmp", "Cancel"}, {'o', "notes of mine.dat", "OK"},
+        {'o', "Map999c.dat", "OK"}, {'o', "Map103c.dat", "OK"},
+    };
+    std::map<std::string, std::string> kept = {{"Map101c.bmp", ArtBytes(600, 400)}};
+    for (const char* name : {"Photo.bmp", "Map102c.bmp", "Map103c.bmp"}) {
+        kept[name] = ArtBytes(500, 300);
+    }
+    for (const char* name : {"notes of mine.dat", "Map102c.dat", "Map103c.dat", "Map999c.dat"}) {
+        kept[name] = "BM";
+    }
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.file));
+        for (const auto& [name, content] : kept) {
+            Write(name, content);
+        }
+        ChooseArt("Map101c.bmp");
+        ThenCheck([&] {
+            ScriptFile(Path(row.file).c_str());
+            ScriptControl(row.key);
+        });
+        ClickButton(row.button);
+        ClickButton("OK");
+        ThenCheck([] {
+            EXPECT_EQ(Title(), "Kestrel Map Tool v105AA - Map101c.dat");
+            ExpectArt("of the map's own file");
+        });
+        for (int i = 0; i < 2; i++) {
+            ScriptControl('s');
+            ExpectMessage(MessageText(15137), "Yes");
+        }
+        QuitAndRun();
+        for (const auto& [name, content] : kept) {
+            EXPECT_TRUE(Read(name) == content) << name;
+        }
+        EXPECT_EQ(Files().size(), kept.size() + 2) << "the data file and its backup";
+        std::filesystem::remove(Path("Map101c.dat"));
+        std::filesystem::remove(Path("Map101c.dat_old"));
+    }
 }
 
 // ---- properties ----

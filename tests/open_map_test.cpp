@@ -159,26 +159,34 @@ TEST_F(OpenMapTest, AFileCutInItsSizesIsRefusedAndOneCutLaterOpens)
     }
 }
 
-// Nothing of an attempt that failed is left in the record that the next one reads into.
-TEST_F(OpenMapTest, AShortFileTakesOverNothingOfTheAttemptBefore)
+TEST_F(OpenMapTest, NothingOfAFailedAttemptIsTakenOver)
 {
     MapFile map(100, 450, 220);
     map.words[eastingWord] = 55;
     map.words[versionWord] = 321;
+    map.words[1] = 77;
     map.text = "of another map";
     WriteMap(map);
     Write("Map100c.bmp", "no art");
-    OpenMap("Map100c.dat");
     WriteMap(MapFile(101, 450, 220));
     Write("Map101c.dat", Read("Map101c.dat").substr(0, 18));
-    OpenMap();
-    ThenCheck([] {
-        const MapRecord& record = currentMap.record;
-        EXPECT_TRUE(record.mapID == 101 && record.mapRect.bottom == 220);
-        EXPECT_TRUE(record.utmEasting == 0 && record.versionNumber == 0);
-        EXPECT_STREQ(record.mapText, "");
-    });
-    QuitAndRun();
+    for (const bool newMap : {false, true}) {
+        OpenMap("Map100c.dat");
+        if (newMap) { // it keeps fields that it has no value for
+            ScriptFile(Path("Map101c.bmp").c_str());
+            ScriptControl('n');
+            ClickButton("OK");
+        } else {
+            OpenMap();
+        }
+        ThenCheck([=] {
+            const MapRecord& record = currentMap.record;
+            EXPECT_TRUE(record.mapID == 101 && record.mapRect.bottom == 220 && record.auxWord1 == 0);
+            EXPECT_TRUE(record.utmEasting == 0 && record.versionNumber == (newMap ? 100 : 0));
+            EXPECT_STREQ(record.mapText, "");
+        });
+        QuitAndRun();
+    }
 }
 
 TEST_F(OpenMapTest, WhatIsNoFileAndArtThatIsNoPictureAreRefused)

@@ -125,6 +125,26 @@ TEST_F(SaveMapTest, TheFirstSaveOfANewMapMakesNoBackup)
     QuitAndRun();
 }
 
+TEST_F(SaveMapTest, NoOtherFileIsWrittenWhateverTheStateSays)
+{
+    const std::pair<const char*, bool> rows[] = {
+        {"Map102c.dat", false}, {"notes", true}, {"MAP101C.BMP", true}, {"Map101c.bmp", true}};
+    for (const auto& row : rows) {
+        OpenMap();
+        ThenCheck([this, &row] {
+            Write(row.first, "kept");
+            CopyText(row.first, currentMap.dataFileSpec.name);
+            if (row.second) {
+                currentMap.ownFileSpec = currentMap.dataFileSpec;
+            }
+            EXPECT_EQ(SaveMap(false), 1);
+        });
+        QuitAndRun();
+        EXPECT_EQ(Read(row.first), "kept") << row.first;
+        WriteMap(MapFile(101, 600, 400));
+    }
+}
+
 // What a fault leaves on the disk is told in fault_injection_test.cpp; here the user sees it.
 TEST_F(SaveMapTest, ASaveThatFailsKeepsTheWorkAndTheNextOneMakesIt)
 {
