@@ -128,6 +128,11 @@ WindowPtr CreateQuestion()
         AddItem(question,
                 {pushButtonItem, MakeRect(left, top, left + buttonWidth, top + buttonHeight), text, cancelItemID});
     }
+    // With a button missing for want of memory the numbers would tell the wrong answer.
+    if (question->itemCount != buttons) {
+        DisposeMockDialog(question);
+        return nullptr;
+    }
     return question;
 }
 

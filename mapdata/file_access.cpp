@@ -6,11 +6,25 @@ namespace {
 
 constexpr size_t pathLimit = 255;
 constexpr UINT transferFailed = static_cast<UINT>(-1);
+constexpr SECURITY_INFORMATION groupAndRights = GROUP_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION;
 
 int16_t LastErrorStatus()
 {
     const int16_t status = static_cast<int16_t>(GetLastError());
     return status != 0 ? status : static_cast<int16_t>(ERROR_GEN_FAILURE);
+}
+
+// Folder + name, fewer characters than the limit.
+bool BuildPath(const FileSpec* spec, char* path, size_t limit)
+{
+    const size_t folderLength = strlen(spec->folder);
+    const size_t nameLength = strlen(spec->name);
+    if (folderLength + nameLength >= limit) {
+        return false;
+    }
+    memcpy(path, spec->folder, folderLength);
+    memcpy(path + folderLength, spec->name, nameLength + 1);
+    return true;
 }
 
 int16_t OpenPath(const FileSpec* spec, int mode, HFILE* file)
@@ -111,14 +125,7 @@ int16_t MakeFileSpec(const char* folder, const char* name, FileSpec* spec)
 
 bool FullPath(const FileSpec* spec, char* path)
 {
-    const size_t folderLength = strlen(spec->folder);
-    const size_t nameLength = strlen(spec->name);
-    if (folderLength + nameLength >= pathLimit) {
-        return false;
-    }
-    memcpy(path, spec->folder, folderLength);
-    memcpy(path + folderLength, spec->name, nameLength + 1);
-    return true;
+    return BuildPath(spec, path, pathLimit);
 }
 
 int16_t OpenFileSpec(const FileSpec* spec, HFILE* file)
@@ -147,8 +154,8 @@ int16_t CreateFileSpec(const FileSpec* spec, HFILE* file)
 
 int16_t DeleteFileSpec(const FileSpec* spec)
 {
-    char path[pathLimit + 1];
-    if (!FullPath(spec, path)) {
+    char path[MAX_PATH];
+    if (!BuildPath(spec, path, sizeof path)) {
         return ERROR_FILENAME_EXCED_RANGE;
     }
     return DeleteFileA(path) ? 0 : LastErrorStatus();
@@ -158,11 +165,30 @@ int16_t RenameFileSpec(const FileSpec* spec, const char* newName)
 {
     FileSpec target;
     char path[pathLimit + 1];
-    char newPath[pathLimit + 1];
-    if (MakeFileSpec(spec->folder, newName, &target) != 0 || !FullPath(spec, path) || !FullPath(&target, newPath)) {
+    char newPath[MAX_PATH];
+    if (MakeFileSpec(spec->folder, newName, &target) != 0 || !FullPath(spec, path) ||
+        !BuildPath(&target, newPath, sizeof newPath)) {
         return ERROR_FILENAME_EXCED_RANGE;
     }
     return MoveFileA(path, newPath) ? 0 : LastErrorStatus();
+}
+
+void ReadFileProtection(const FileSpec* spec, FileProtection* protection)
+{
+    char path[pathLimit + 1];
+    protection->size = 0;
+    if (!FullPath(spec, path) ||
+        !GetFileSecurityA(path, groupAndRights, protection->bytes, sizeof protection->bytes, &protection->size)) {
+        protection->size = 0;
+    }
+}
+
+void SetFileProtection(const FileSpec* spec, FileProtection* protection)
+{
+    char path[pathLimit + 1];
+    if (protection->size != 0 && FullPath(spec, path)) {
+        SetFileSecurityA(path, groupAndRights, protection->bytes);
+    }
 }
 
 void CloseFile(HFILE file)

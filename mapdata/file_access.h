@@ -12,7 +12,9 @@ struct FileSpec {
 constexpr HFILE noFile = 0;
 
 int16_t MakeFileSpec(const char* folder, const char* name, FileSpec* spec);
-// Status: 0, or the system's error code cut to 16 bits. A full path of 255 characters or more is refused.
+// Status: 0, or the system's error code cut to 16 bits. A full path of 255 characters or more is refused; a file may
+// be renamed to, and deleted under, as long a path as the system takes, so that every map has room for its backup's
+// name.
 int16_t OpenFileSpec(const FileSpec* spec, HFILE* file);     // existing, for reading and writing
 int16_t OpenFileSpecRead(const FileSpec* spec, HFILE* file); // existing, for reading
 int16_t CreateFileSpec(const FileSpec* spec, HFILE* file);   // new or emptied
@@ -20,7 +22,16 @@ int16_t DeleteFileSpec(const FileSpec* spec);
 int16_t RenameFileSpec(const FileSpec* spec, const char* newName); // within the folder
 // Folder + name; false when it does not fit 255 characters. path: 256 bytes.
 bool FullPath(const FileSpec* spec, char* path);
-void CloseFile(HFILE file); // noFile is ignored
+
+// Who may read and write a file, as the system has it; size 0 when it cannot be told.
+struct FileProtection {
+    DWORD size = 0;
+    alignas(8) uint8_t bytes[2048];
+};
+
+void ReadFileProtection(const FileSpec* spec, FileProtection* protection);
+void SetFileProtection(const FileSpec* spec, FileProtection* protection); // as far as the system allows
+void CloseFile(HFILE file);                                               // noFile is ignored
 // Mode 1: offset bytes from the start; any other mode does nothing.
 void SetFilePosition(HFILE file, int mode, int32_t offset);
 

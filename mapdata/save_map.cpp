@@ -74,11 +74,14 @@ int16_t SaveMap(bool confirm)
     }
     NoteSavingBegins();
     CloseMapDataFile();
+    FileProtection protection;
     if (currentMap.record.mapID == currentMap.loadedMapID) {
+        ReadFileProtection(&currentMap.dataFileSpec, &protection);
         MakeBackup();
     } else {
         DataFileNameForID(currentMap.record.mapID, currentMap.dataFileSpec.name);
         currentMap.ownFileSpec = currentMap.dataFileSpec;
+        ReadFileProtection(&currentMap.dataFileSpec, &protection);
     }
     if (CreateTarget() != 0) {
         return 1;
@@ -87,6 +90,7 @@ int16_t SaveMap(bool confirm)
         MessageAlert(0, 0, alertSound, newFileNotOpenedText);
         return 1;
     }
+    SetFileProtection(&currentMap.dataFileSpec, &protection); // before there is anything to read
     const int16_t status = WriteMapData(currentMap.openDataFile);
     CloseMapDataFile();
     if (status == 0) {
@@ -111,7 +115,11 @@ int AskSaveBeforeQuit()
         AddItem(dialog, {pushButtonItem, MakeRect(button.left, 40, button.right, 60), text, button.itemID});
     }
     // With a button missing for want of memory the numbers would tell the wrong answer.
-    dialog->defaultItem = dialog->itemCount == std::size(quitButtons) ? dialog->firstItem : nullptr;
+    if (dialog->itemCount != std::size(quitButtons)) {
+        DisposeMockDialog(dialog);
+        return 0;
+    }
+    dialog->defaultItem = dialog->firstItem;
     GetText(text, saveBeforeQuitQuestionText);
     AddItem(dialog, {staticTextItem, MakeRect(10, 10, 230, 30), text});
 

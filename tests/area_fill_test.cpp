@@ -1,4 +1,5 @@
 // Selecting an area with the band: its cells, the question, and that no trace of either stays.
+#include "platform/kernel/test_hooks.h"
 #include "tests/editor_session.h"
 
 #include <algorithm>
@@ -177,6 +178,27 @@ TEST_F(AreaFillTest, NoTraceOfTheBandStays)
         ThenCheck([] { ExpectArt("with the palette closed"); });
         QuitAndRun();
     }
+}
+
+// Its buttons are told apart by their numbers: where one is missing, the next would answer for it.
+TEST_F(AreaFillTest, AQuestionWithoutAllItsButtonsIsNotAsked)
+{
+    OpenWith();
+    for (const char palette : {'t', 'm'}) {
+        OpenPalette(palette, 202);
+        for (const int successes : {0, 1, 2, 3}) { // the dialog, then its buttons
+            if (palette == 'm' && successes == 3) {
+                continue; // it has two
+            }
+            ThenCheck([=] { FailAllocationAfter(successes); });
+            AltDragOnMap({{105, 55}, {200, 100}});
+            ThenCheck([=] { EXPECT_EQ(SizeOf(HeadlessPopup()).h, palette == 't' ? 300 : 285) << successes; });
+        }
+        AltDragOnMap({{105, 55}, {200, 100}});
+        ClickButton("Cancel");
+        ClosePalette();
+    }
+    QuitAndRun();
 }
 
 TEST_F(AreaFillTest, OnlyCellsThatAreWhollyInViewAreFilled)

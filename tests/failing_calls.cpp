@@ -88,6 +88,11 @@ off_t Seek(int descriptor, off_t offset, int from)
     return JudgeOpenFile(seekCall, descriptor) > 0 ? -1 : RealSystemCalls().seek(descriptor, offset, from);
 }
 
+int Truncate(int descriptor, off_t size)
+{
+    return JudgeOpenFile(truncateCall, descriptor) > 0 ? -1 : RealSystemCalls().truncate(descriptor, size);
+}
+
 int Sync(int descriptor)
 {
     return JudgeOpenFile(syncCall, descriptor) > 0 ? -1 : 0;
@@ -108,11 +113,6 @@ int Unlink(const char* path)
     return Judge(unlinkCall, path, 0) > 0 ? -1 : RealSystemCalls().unlink(path);
 }
 
-int Link(const char* from, const char* to)
-{
-    return Judge(linkCall, from, 0) > 0 ? -1 : RealSystemCalls().link(from, to);
-}
-
 int Rename(const char* from, const char* to)
 {
     return Judge(renameCall, from, 0) > 0 ? -1 : RealSystemCalls().rename(from, to);
@@ -121,6 +121,21 @@ int Rename(const char* from, const char* to)
 int RenameNoReplace(const char* from, const char* to)
 {
     return Judge(renameNoReplaceCall, from, 0) > 0 ? -1 : RealSystemCalls().renameNoReplace(from, to);
+}
+
+int ChangeMode(const char* path, mode_t mode)
+{
+    return Judge(changeModeCall, path, 0) > 0 ? -1 : RealSystemCalls().changeMode(path, mode);
+}
+
+int ChangeGroup(const char* path, gid_t group)
+{
+    return Judge(changeGroupCall, path, 0) > 0 ? -1 : RealSystemCalls().changeGroup(path, group);
+}
+
+int MakeFile(const char* path, mode_t mode)
+{
+    return Judge(makeFileCall, path, 0) > 0 ? -1 : RealSystemCalls().makeFile(path, mode);
 }
 
 int MakeFolder(const char* path, mode_t mode)
@@ -164,13 +179,16 @@ void JudgeSystemCalls(CallJudge judge)
                    ReadAt,
                    Write,
                    Seek,
+                   Truncate,
                    Sync,
                    Stat,
                    StatOpen,
                    Unlink,
-                   Link,
                    Rename,
                    RenameNoReplace,
+                   ChangeMode,
+                   ChangeGroup,
+                   MakeFile,
                    MakeFolder,
                    OpenFolder,
                    ReadFolder,

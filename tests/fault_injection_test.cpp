@@ -35,8 +35,8 @@ constexpr SaveScenario saveScenarios[] = {
     {"a changed number, saved before", true, true, true, true},
 };
 
-// What a file system does not have: renaming without replacing, or links besides.
-enum FileSystemKind { wholeFileSystem, noExclusiveRename, noLinks };
+// Some file systems cannot rename without replacing.
+enum FileSystemKind { wholeFileSystem, noExclusiveRename };
 
 const std::map<std::string, std::string> bystanders = {
     {"Map101c.bmp", "the art"},
@@ -71,14 +71,18 @@ CallJudge OnFileSystem(FileSystemKind kind, CallJudge judge)
 {
     return [=](const JudgedCall& call) {
         const int verdict = judge(call);
-        if (verdict == letThrough && kind != wholeFileSystem && call.kind == renameNoReplaceCall) {
-            return EINVAL;
-        }
-        return verdict == letThrough && kind == noLinks && call.kind == linkCall ? EPERM : verdict;
+        const bool unknown = kind == noExclusiveRename && call.kind == renameNoReplaceCall;
+        return verdict == letThrough && unknown ? EINVAL : verdict;
     };
 }
 
 constexpr int savedStatus = 42;
+
+// A file system that tells nothing of its files.
+int RefuseToTell(const JudgedCall& call)
+{
+    return call.kind == statCall || call.kind == statOpenCall ? EIO : letThrough;
+}
 
 enum DeathPlace { beforeCall, inWrite };
 
@@ -267,7 +271,7 @@ TEST_F(FailingSaves, EveryCallMayFailAndTheWorkIsWhole)
     int savesFailed = 0;
     int messagesShown = 0;
     for (const SaveScenario& scenario : saveScenarios) {
-        for (const FileSystemKind system : {wholeFileSystem, noExclusiveRename, noLinks}) {
+        for (const FileSystemKind system : {wholeFileSystem, noExclusiveRename}) {
             for (const int error : faultErrors) {
                 if (system != wholeFileSystem && error != EIO) {
                     continue; // the way of the backup differs there, not what an error leads to
@@ -298,6 +302,19 @@ TEST_F(FailingSaves, EveryCallMayFailAndTheWorkIsWhole)
     }
     EXPECT_GT(savesFailed, 300);
     EXPECT_GT(messagesShown, 60);
+}
+
+TEST_F(FailingSaves, WhereFilesCannotBeLookedAtNothingIsLost)
+{
+    for (const SaveScenario& scenario : saveScenarios) {
+        for (const FileSystemKind system : {wholeFileSystem, noExclusiveRename}) {
+            Prepare(scenario);
+            JudgeSystemCalls(OnFileSystem(system, RefuseToTell));
+            EXPECT_EQ(Save(), 1);
+            ExpectSound(scenario, 1);
+            EXPECT_TRUE(WorkIsWhole(scenario)) << scenario.name;
+        }
+    }
 }
 
 TEST_F(FailingSaves, ShortWritesAreContinued)
@@ -366,7 +383,7 @@ TEST_F(FailingSaves, UnderAChangedNumberAFailedSaveLeavesAnIncompleteFile)
 TEST_F(FailingSaves, ThatAreKilledLeaveTheWorkWhole)
 {
     for (const SaveScenario& scenario : saveScenarios) {
-        for (const FileSystemKind system : {wholeFileSystem, noExclusiveRename, noLinks}) {
+        for (const FileSystemKind system : {wholeFileSystem, noExclusiveRename}) {
             for (const DeathPlace place : {beforeCall, inWrite}) {
                 int number = 1;
                 for (bool killed = true; killed; number++) {

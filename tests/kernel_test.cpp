@@ -152,9 +152,10 @@ TEST_F(Kernel, RenamingNeverReplacesAFile)
     EXPECT_EQ(Read("C.dat"), "a");
     EXPECT_FALSE(Exists("c.dat"));
 
-    for (bool links : {true, false}) { // where the file system knows no rename without replacing
+    // Also where the file system knows no rename without replacing, and where it tells nothing of files.
+    for (const bool blind : {false, true}) {
         JudgeSystemCalls([=](const JudgedCall& call) {
-            return call.kind == renameNoReplaceCall ? EINVAL : call.kind == linkCall && !links ? EPERM : letThrough;
+            return call.kind == renameNoReplaceCall ? EINVAL : call.kind == statCall && blind ? EIO : letThrough;
         });
         Write("a", "new");
         EXPECT_FALSE(Move("a", "B.dat"));
@@ -163,6 +164,14 @@ TEST_F(Kernel, RenamingNeverReplacesAFile)
         EXPECT_TRUE(Read("c") == "new" && !Exists("a"));
         fs::remove("c");
     }
+    JudgeSystemCalls([](const JudgedCall& call) {
+        return call.kind == renameNoReplaceCall                     ? EINVAL
+               : call.kind == unlinkCall || call.kind == renameCall ? EIO
+                                                                    : letThrough;
+    });
+    Write("a", "new");
+    EXPECT_FALSE(Move("a", "c"));
+    EXPECT_TRUE(Read("a") == "new" && Read("c").empty()) << "never one file under two names";
 }
 
 TEST_F(Kernel, DeletesByAnyLetterCaseButNotReadOnlyFiles)

@@ -4,6 +4,8 @@
 #include "tests/failing_calls.h"
 
 #include <cerrno>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -143,6 +145,58 @@ TEST_F(SaveMapTest, NoOtherFileIsWrittenWhateverTheStateSays)
         EXPECT_EQ(Read(row.first), "kept") << row.first;
         WriteMap(MapFile(101, 600, 400));
     }
+}
+
+// The backup's name may be longer than a map's own.
+TEST_F(SaveMapTest, TheLongestPathsHaveTheirBackup)
+{
+    for (const size_t length : {250u, 251u, 254u}) {
+        const std::string deep = std::string(100, 'd') + "/" + std::string(length - folder.size() - 114, 'e');
+        std::filesystem::create_directories(Path(deep));
+        Write(deep + "/Map101c.dat", original);
+        Write(deep + "/Map101c.bmp", ArtBytes(600, 400));
+        OpenMap(deep + "/Map101c.dat");
+        Save();
+        Save();
+        QuitAndRun();
+        EXPECT_TRUE(Read(deep + "/Map101c.dat") == saved) << length;
+        EXPECT_TRUE(Read(deep + "/Map101c.dat_old") == saved) << length;
+    }
+}
+
+TEST_F(SaveMapTest, ASavedFileKeepsWhoMayReadAndWriteIt)
+{
+    const mode_t usual = umask(022);
+    const struct {
+        mode_t mode;
+        bool groupRefused;
+        const char* id; // that it is saved under
+        mode_t kept;
+    } rows[] = {{0600, false, "101", 0600},
+                {0664, false, "101", 0664},
+                {0664, true, "101", mode_t{getuid() == 0 ? 0644u : 0664u}},
+                {0600, false, "222", 0644}};
+    for (const auto& row : rows) {
+        struct stat status;
+        WriteMap(MapFile(101, 600, 400));
+        ASSERT_EQ(chmod(Path("Map101c.dat").c_str(), row.mode), 0);
+        const gid_t group = getuid() == 0 ? 12345 : getgid();
+        ASSERT_EQ(chown(Path("Map101c.dat").c_str(), static_cast<uid_t>(-1), group), 0);
+        OpenMap();
+        SetID(row.id);
+        if (row.groupRefused) {
+            ThenCheck([] { JudgeSystemCalls(Refuse(changeGroupCall, EPERM)); });
+        }
+        Save();
+        QuitAndRun();
+        systemCalls = RealSystemCalls();
+        const std::string name = std::string("Map") + row.id + "c.dat";
+        ASSERT_EQ(stat(Path(name).c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 0777, row.kept) << name;
+        EXPECT_TRUE(status.st_gid == group || row.groupRefused || name != "Map101c.dat");
+        std::filesystem::remove(Path("Map101c.dat_old"));
+    }
+    umask(usual);
 }
 
 // What a fault leaves on the disk is told in fault_injection_test.cpp; here the user sees it.

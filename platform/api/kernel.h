@@ -29,15 +29,20 @@
 #define ERROR_INVALID_HANDLE 6
 #define ERROR_NOT_ENOUGH_MEMORY 8
 #define ERROR_NO_MORE_FILES 18
+#define ERROR_WRITE_PROTECT 19
 #define ERROR_WRITE_FAULT 29
 #define ERROR_READ_FAULT 30
 #define ERROR_GEN_FAILURE 31
 #define ERROR_SHARING_VIOLATION 32
 #define ERROR_INVALID_PARAMETER 87
 #define ERROR_DISK_FULL 112
+#define ERROR_INSUFFICIENT_BUFFER 122
 #define ERROR_NEGATIVE_SEEK 131
 #define ERROR_ALREADY_EXISTS 183
 #define ERROR_FILENAME_EXCED_RANGE 206
+#define ERROR_FILE_TOO_LARGE 223
+#define ERROR_DISK_QUOTA_EXCEEDED 1295
+#define ERROR_CANT_RESOLVE_FILENAME 1921
 
 #define _MAX_DRIVE 3
 #define _MAX_DIR 256
@@ -75,6 +80,17 @@ BOOL WINAPI MoveFileA(LPCSTR from, LPCSTR to);
 #define MOVEFILE_REPLACE_EXISTING 0x00000001
 BOOL WINAPI MoveFileExA(LPCSTR from, LPCSTR to, DWORD flags);
 DWORD WINAPI GetFileAttributesA(LPCSTR path);
+// Who may read and write a file, for giving another file the same: its group and its list of rights together, in a
+// descriptor that only these two calls read. Departs from Windows: the rights are those of owner, group and others.
+// Where the group may not be given, what it may do becomes what others may, and setting still succeeds; the owner of
+// a file keeps the right to write it.
+typedef DWORD SECURITY_INFORMATION;
+typedef LPVOID PSECURITY_DESCRIPTOR;
+#define GROUP_SECURITY_INFORMATION 0x00000002
+#define DACL_SECURITY_INFORMATION 0x00000004
+BOOL WINAPI GetFileSecurityA(LPCSTR path, SECURITY_INFORMATION wanted, PSECURITY_DESCRIPTOR descriptor, DWORD size,
+                             DWORD* sizeNeeded);
+BOOL WINAPI SetFileSecurityA(LPCSTR path, SECURITY_INFORMATION given, PSECURITY_DESCRIPTOR descriptor);
 // Returns the length without the zero byte, or the size needed when the buffer is too small.
 DWORD WINAPI GetCurrentDirectoryA(DWORD size, LPSTR buffer);
 BOOL WINAPI SetCurrentDirectoryA(LPCSTR path);

@@ -179,12 +179,12 @@ bool ReadAt(int file, uint64_t offset, uint8_t* bytes, size_t size)
 {
     size_t done = 0;
     while (done < size) {
-        ssize_t got = systemCalls.readAt(file, bytes + done, size - done, static_cast<off_t>(offset + done));
-        if (got > 0) {
-            done += static_cast<size_t>(got);
-        } else if (got == 0 || errno != EINTR) {
+        const ssize_t got = RetryInterrupted(
+            [&] { return systemCalls.readAt(file, bytes + done, size - done, static_cast<off_t>(offset + done)); });
+        if (got <= 0) {
             return false;
         }
+        done += static_cast<size_t>(got);
     }
     return true;
 }
@@ -192,7 +192,7 @@ bool ReadAt(int file, uint64_t offset, uint8_t* bytes, size_t size)
 HBITMAP BitmapFromOpenFile(int file)
 {
     struct stat status;
-    if (systemCalls.statOpen(file, &status) != 0 || !S_ISREG(status.st_mode)) {
+    if (RetryInterrupted([&] { return systemCalls.statOpen(file, &status); }) != 0 || !S_ISREG(status.st_mode)) {
         return nullptr;
     }
     const uint64_t fileSize = static_cast<uint64_t>(status.st_size);
@@ -234,10 +234,8 @@ HBITMAP BitmapFromFile(const char* path)
         return nullptr;
     }
     // Without O_NONBLOCK opening a named pipe would wait for its other end.
-    int file;
-    do {
-        file = systemCalls.open(resolved, O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0);
-    } while (file < 0 && errno == EINTR);
+    const int file =
+        RetryInterrupted([&] { return systemCalls.open(resolved, O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0); });
     if (file < 0) {
         return nullptr;
     }

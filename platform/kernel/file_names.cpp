@@ -14,28 +14,20 @@ bool IsProtected(const struct stat& status)
     return (FileAttributesOf(status) & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0;
 }
 
-// Renames where the file system cannot refuse an existing target by itself: through a second link, which never
-// replaces anything, and where there are no links by looking first.
-int RenameByLink(const char* from, const char* to)
+// Renames where the file system cannot refuse an existing target by itself: makes an empty file of that name, which
+// no other can be in the way of, and replaces that. Neither name ever stands for the other's file.
+int RenameOverOwnFile(const char* from, const char* to)
 {
-    if (systemCalls.link(from, to) == 0) {
-        if (systemCalls.unlink(from) == 0) {
-            return 0;
-        }
-        int reason = errno;
-        systemCalls.unlink(to);
-        errno = reason;
+    if (RetryInterrupted([&] { return systemCalls.makeFile(to, 0600); }) != 0) {
         return -1;
     }
-    if (errno == EEXIST) {
-        return -1;
+    if (RetryInterrupted([&] { return systemCalls.rename(from, to); }) == 0) {
+        return 0;
     }
-    struct stat status;
-    if (systemCalls.stat(to, &status) == 0) {
-        errno = EEXIST;
-        return -1;
-    }
-    return systemCalls.rename(from, to);
+    const int reason = errno;
+    RetryInterrupted([&] { return systemCalls.unlink(to); });
+    errno = reason;
+    return -1;
 }
 
 } // namespace
@@ -47,11 +39,11 @@ BOOL WINAPI DeleteFileA(LPCSTR path)
         return FALSE;
     }
     struct stat status;
-    if (systemCalls.stat(resolved, &status) == 0 && IsProtected(status)) {
+    if (StatPath(resolved, &status) == 0 && IsProtected(status)) {
         SetLastError(ERROR_ACCESS_DENIED);
         return FALSE;
     }
-    if (systemCalls.unlink(resolved) != 0) {
+    if (RetryInterrupted([&] { return systemCalls.unlink(resolved); }) != 0) {
         SetErrorForPath(resolved, ERROR_WRITE_FAULT);
         return FALSE;
     }
@@ -67,24 +59,26 @@ BOOL WINAPI MoveFileA(LPCSTR from, LPCSTR to)
     }
     struct stat sourceStatus;
     struct stat targetStatus;
-    if (systemCalls.stat(source, &sourceStatus) != 0) {
+    const bool sourceKnown = StatPath(source, &sourceStatus) == 0;
+    if (!sourceKnown && KnownMissing()) {
         SetErrorForPath(source, ERROR_READ_FAULT);
         return FALSE;
     }
+    // Where the system does not tell of either, the rename itself finds out; it replaces nothing.
     // The target may be there under another letter case. The same file is: its name may change its case.
     bool sameFile = false;
-    if (systemCalls.stat(target, &targetStatus) == 0) {
-        sameFile = sourceStatus.st_dev == targetStatus.st_dev && sourceStatus.st_ino == targetStatus.st_ino &&
-                   SameFileName(source, target);
+    if (StatPath(target, &targetStatus) == 0) {
+        sameFile = sourceKnown && sourceStatus.st_dev == targetStatus.st_dev &&
+                   sourceStatus.st_ino == targetStatus.st_ino && SameFileName(source, target);
         if (!sameFile) {
             SetLastError(ERROR_ALREADY_EXISTS);
             return FALSE;
         }
     }
     const char* newPath = sameFile ? to : target;
-    int result = systemCalls.renameNoReplace(source, newPath);
+    int result = RetryInterrupted([&] { return systemCalls.renameNoReplace(source, newPath); });
     if (result != 0 && (errno == EINVAL || errno == ENOSYS)) {
-        result = RenameByLink(source, newPath);
+        result = RenameOverOwnFile(source, newPath);
     }
     if (result != 0) {
         SetErrorForPath(newPath, ERROR_WRITE_FAULT);
@@ -108,7 +102,7 @@ BOOL WINAPI MoveFileExA(LPCSTR from, LPCSTR to, DWORD flags)
         return FALSE;
     }
     struct stat status;
-    if (RetryInterrupted([&] { return systemCalls.stat(target, &status); }) == 0 && IsProtected(status)) {
+    if (StatPath(target, &status) == 0 && IsProtected(status)) {
         SetLastError(ERROR_ACCESS_DENIED);
         return FALSE;
     }
@@ -117,7 +111,7 @@ BOOL WINAPI MoveFileExA(LPCSTR from, LPCSTR to, DWORD flags)
         return TRUE;
     }
     const int reason = errno;
-    const bool sourceIsThere = RetryInterrupted([&] { return systemCalls.stat(source, &status); }) == 0;
+    const bool sourceIsThere = StatPath(source, &status) == 0;
     errno = reason;
     SetErrorForPath(sourceIsThere ? newPath : source, ERROR_WRITE_FAULT);
     return FALSE;
@@ -130,7 +124,7 @@ DWORD WINAPI GetFileAttributesA(LPCSTR path)
         return INVALID_FILE_ATTRIBUTES;
     }
     struct stat status;
-    if (systemCalls.stat(resolved, &status) != 0) {
+    if (StatPath(resolved, &status) != 0) {
         SetErrorForPath(resolved, ERROR_READ_FAULT);
         return INVALID_FILE_ATTRIBUTES;
     }

@@ -144,9 +144,35 @@ bool LockOpenFile(int descriptor)
     return false;
 }
 
+enum OpenChoice { asItIs, exclusively, emptied };
+
+// What is left to do with a file that is open. False with the last error set.
+bool MakeReady(int descriptor, OpenChoice choice)
+{
+    struct stat status;
+    if (RetryInterrupted([&] { return systemCalls.statOpen(descriptor, &status); }) != 0) {
+        SetLastError(ErrorFromErrno(errno, ERROR_READ_FAULT));
+        return false;
+    }
+    if (!S_ISREG(status.st_mode)) {
+        SetLastError(ERROR_ACCESS_DENIED);
+        return false;
+    }
+    if (choice == exclusively) {
+        return LockOpenFile(descriptor);
+    }
+    if (choice == emptied && status.st_size != 0 &&
+        RetryInterrupted([&] { return systemCalls.truncate(descriptor, 0); }) != 0) {
+        SetLastError(ErrorFromErrno(errno, ERROR_WRITE_FAULT));
+        return false;
+    }
+    return true;
+}
+
 // Only regular files are opened. The kind is looked at before the open, because opening a FIFO or a device can act on
-// it, and after it, because the name may have changed its file in between.
-HFILE OpenPath(LPCSTR path, int flags, bool exclusive)
+// it, and after it, because the name may have changed its file in between. Nothing is lost until that is known: only
+// then the file is emptied.
+HFILE OpenPath(LPCSTR path, int flags, OpenChoice choice)
 {
     char resolved[MAX_PATH];
     if (!ResolvePath(path, resolved, sizeof resolved)) {
@@ -161,7 +187,7 @@ HFILE OpenPath(LPCSTR path, int flags, bool exclusive)
         return HFILE_ERROR;
     }
     struct stat status;
-    if (systemCalls.stat(resolved, &status) == 0 && !S_ISREG(status.st_mode)) {
+    if (StatPath(resolved, &status) == 0 && !S_ISREG(status.st_mode)) {
         SetLastError(ERROR_ACCESS_DENIED);
         return HFILE_ERROR;
     }
@@ -171,13 +197,7 @@ HFILE OpenPath(LPCSTR path, int flags, bool exclusive)
         SetErrorForPath(resolved, ERROR_READ_FAULT);
         return HFILE_ERROR;
     }
-    if (RetryInterrupted([&] { return systemCalls.statOpen(descriptor, &status); }) != 0 ||
-        !S_ISREG(status.st_mode)) {
-        systemCalls.close(descriptor);
-        SetLastError(ERROR_ACCESS_DENIED);
-        return HFILE_ERROR;
-    }
-    if (exclusive && !LockOpenFile(descriptor)) {
+    if (!MakeReady(descriptor, choice)) {
         systemCalls.close(descriptor);
         return HFILE_ERROR;
     }
@@ -222,7 +242,7 @@ HFILE WINAPI _lopen(LPCSTR path, int mode)
         SetLastError(ERROR_ACCESS_DENIED);
         return HFILE_ERROR;
     }
-    return OpenPath(path, access == OF_READ ? O_RDONLY : O_RDWR, exclusive);
+    return OpenPath(path, access == OF_READ ? O_RDONLY : O_RDWR, exclusive ? exclusively : asItIs);
 }
 
 HFILE WINAPI _lcreat(LPCSTR path, int attributes)
@@ -231,7 +251,7 @@ HFILE WINAPI _lcreat(LPCSTR path, int attributes)
         SetLastError(ERROR_ACCESS_DENIED);
         return HFILE_ERROR;
     }
-    return OpenPath(path, O_RDWR | O_CREAT | O_TRUNC, false);
+    return OpenPath(path, O_RDWR | O_CREAT, emptied);
 }
 
 namespace {

@@ -39,8 +39,7 @@ Search* SearchOf(HANDLE handle)
 bool Describe(const std::string& path, const char* name, WIN32_FIND_DATAA* data)
 {
     struct stat status;
-    if (RetryInterrupted([&] { return systemCalls.stat(path.c_str(), &status); }) != 0 ||
-        strlen(name) >= sizeof data->cFileName) {
+    if (StatPath(path.c_str(), &status) != 0 || strlen(name) >= sizeof data->cFileName) {
         return false;
     }
     *data = {};

@@ -90,7 +90,7 @@ bool ResolvePath(const char* path, char* resolved, size_t size)
     memcpy(resolved, path, length + 1);
 
     struct stat status;
-    if (systemCalls.stat(path, &status) == 0) {
+    if (StatPath(path, &status) == 0) {
         return true;
     }
     const char* slash = strrchr(path, '/');

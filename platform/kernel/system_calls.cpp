@@ -34,9 +34,20 @@ void* MapPages(size_t size)
     return mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
 }
 
-constexpr SystemCalls realSystemCalls = {OpenFile, close,   read,     pread, write,  lseek,           fsync,
-                                         StatFile, fstat,   unlink,   link,  rename, RenameNoReplace, mkdir,
-                                         opendir,  readdir, closedir, flock, calloc, MapPages};
+int MakeFile(const char* path, mode_t mode)
+{
+    return mknod(path, S_IFREG | mode, 0); // takes no descriptor, so it works when there are none left
+}
+
+int ChangeGroup(const char* path, gid_t group)
+{
+    return chown(path, static_cast<uid_t>(-1), group);
+}
+
+constexpr SystemCalls realSystemCalls = {OpenFile,        close,    read,        pread,    write,   lseek,
+                                         ftruncate,       fsync,    StatFile,    fstat,    unlink,  rename,
+                                         RenameNoReplace, chmod,    ChangeGroup, MakeFile, mkdir,   opendir,
+                                         readdir,         closedir, flock,       calloc,   MapPages};
 
 DWORD lastError = ERROR_SUCCESS;
 
@@ -49,6 +60,16 @@ const SystemCalls& RealSystemCalls()
     return realSystemCalls;
 }
 
+int StatPath(const char* path, struct stat* status)
+{
+    return RetryInterrupted([&] { return systemCalls.stat(path, status); });
+}
+
+bool KnownMissing()
+{
+    return errno == ENOENT || errno == ENOTDIR;
+}
+
 unsigned ErrorFromErrno(int number, unsigned ioFault)
 {
     switch (number) {
@@ -57,17 +78,19 @@ unsigned ErrorFromErrno(int number, unsigned ioFault)
     case ENOENT:
         return ERROR_FILE_NOT_FOUND;
     case ENOTDIR:
-    case ELOOP:
         return ERROR_PATH_NOT_FOUND;
+    case ELOOP:
+        return ERROR_CANT_RESOLVE_FILENAME;
     case EMFILE:
     case ENFILE:
         return ERROR_TOO_MANY_OPEN_FILES;
     case EACCES:
     case EPERM:
-    case EROFS:
     case EISDIR:
     case ENXIO:
         return ERROR_ACCESS_DENIED;
+    case EROFS:
+        return ERROR_WRITE_PROTECT;
     case EBADF:
         return ERROR_INVALID_HANDLE;
     case ENOMEM:
@@ -79,9 +102,11 @@ unsigned ErrorFromErrno(int number, unsigned ioFault)
     case ENOTEMPTY:
         return ERROR_ALREADY_EXISTS;
     case ENOSPC:
-    case EDQUOT:
-    case EFBIG:
         return ERROR_DISK_FULL;
+    case EDQUOT:
+        return ERROR_DISK_QUOTA_EXCEEDED;
+    case EFBIG:
+        return ERROR_FILE_TOO_LARGE;
     case ENAMETOOLONG:
         return ERROR_FILENAME_EXCED_RANGE;
     case EIO:
@@ -99,7 +124,7 @@ void SetErrorForPath(const char* path, unsigned ioFault)
     if (number == ENOENT && (slash != nullptr) && slash != path) {
         struct stat status;
         std::string folder(path, static_cast<size_t>(slash - path));
-        if (systemCalls.stat(folder.c_str(), &status) != 0) {
+        if (StatPath(folder.c_str(), &status) != 0) {
             code = ERROR_PATH_NOT_FOUND;
         }
     }

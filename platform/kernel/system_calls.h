@@ -15,13 +15,16 @@ struct SystemCalls {
     ssize_t (*readAt)(int descriptor, void* buffer, size_t count, off_t offset);
     ssize_t (*write)(int descriptor, const void* buffer, size_t count);
     off_t (*seek)(int descriptor, off_t offset, int from);
+    int (*truncate)(int descriptor, off_t size);
     int (*fsync)(int descriptor);
     int (*stat)(const char* path, struct stat* status);
     int (*statOpen)(int descriptor, struct stat* status);
     int (*unlink)(const char* path);
-    int (*link)(const char* from, const char* to);
     int (*rename)(const char* from, const char* to);
     int (*renameNoReplace)(const char* from, const char* to); // EEXIST when the target exists
+    int (*changeMode)(const char* path, mode_t mode);
+    int (*changeGroup)(const char* path, gid_t group);
+    int (*makeFile)(const char* path, mode_t mode); // empty; EEXIST when the name is taken
     int (*makeFolder)(const char* path, mode_t mode);
     DIR* (*openFolder)(const char* path); // null on failure
     dirent* (*readFolder)(DIR* folder);   // null at the end, and with errno on failure
@@ -34,11 +37,12 @@ struct SystemCalls {
 extern SystemCalls systemCalls;
 const SystemCalls& RealSystemCalls();
 
-// Makes a call again while it is interrupted. errno is 0 before each attempt.
+// Makes a call again while it is interrupted, but not for ever. errno is 0 before each attempt.
 template <typename Call>
 auto RetryInterrupted(Call call)
 {
-    for (;;) {
+    constexpr int mostAttempts = 100;
+    for (int attempt = 1;; attempt++) {
         errno = 0;
         const auto result = call();
         bool failed = false;
@@ -47,11 +51,16 @@ auto RetryInterrupted(Call call)
         } else {
             failed = result == -1;
         }
-        if (!failed || errno != EINTR) {
+        if (!failed || errno != EINTR || attempt == mostAttempts) {
             return result;
         }
     }
 }
+
+// 0 or -1, as stat.
+int StatPath(const char* path, struct stat* status);
+// After a failed StatPath: whether there is no such file, as far as the system knows.
+bool KnownMissing();
 
 // Translates an errno value to the ERROR_ code that the Windows API reports. ioFault is the code for EIO.
 unsigned ErrorFromErrno(int number, unsigned ioFault);
