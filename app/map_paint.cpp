@@ -1,6 +1,7 @@
 #include "app/map_views.h"
 #include "app/map_window.h"
 #include "editing/overlay.h"
+#include "mapdata/failure.h"
 #include "mapdata/map_record.h"
 #include "toolbox/drawing.h"
 #include "toolbox/offscreen.h"
@@ -77,6 +78,9 @@ void PaintMapWindow()
         DrawStatusStrip();
     } else {
         FillRectColor(&shell.mapWindow->portRect, shell.windowBackground);
+        if (view.statusText[0] != 0) {
+            DrawStatusStrip(); // of an attempt that failed
+        }
     }
     EndUpdate(shell.mapWindow);
     RestorePort(saved);
@@ -176,7 +180,9 @@ void ValidateMapRect(const Rect* rect)
 void RedrawMapImage()
 {
     SetCursorById(waitCursor);
-    ComposeMapImage();
+    if (ComposeMapImage() != 0) {
+        TellFailure(artFailedText, GetLastError());
+    }
     InitCursor();
     InvalidateMapRect(nullptr);
 }

@@ -4,6 +4,7 @@
 //   toolbox/pointer_trail.cpp  the press that is being followed
 //   toolbox/windows.cpp        the paint record between BeginUpdate and EndUpdate
 //   toolbox/sounds.cpp         the sound slots, all empty
+//   mapdata/failure.cpp        the failure that was told last
 //   mapdata/rescue_files.cpp   the lock that says that this program runs
 // The platform layer's state is not the program's but what a system would keep: windows, messages and input in
 // platform/user/state.h, the rest beside the functions that own it.

@@ -20,6 +20,7 @@ bool BuildPath(const FileSpec* spec, char* path, size_t limit)
     const size_t folderLength = strlen(spec->folder);
     const size_t nameLength = strlen(spec->name);
     if (folderLength + nameLength >= limit) {
+        SetLastError(ERROR_FILENAME_EXCED_RANGE);
         return false;
     }
     memcpy(path, spec->folder, folderLength);

@@ -20,7 +20,7 @@ int16_t OpenFileSpecRead(const FileSpec* spec, HFILE* file); // existing, for re
 int16_t CreateFileSpec(const FileSpec* spec, HFILE* file);   // new or emptied
 int16_t DeleteFileSpec(const FileSpec* spec);
 int16_t RenameFileSpec(const FileSpec* spec, const char* newName); // within the folder
-// Folder + name; false when it does not fit 255 characters. path: 256 bytes.
+// Folder + name; false, with the last error set, when it does not fit 255 characters. path: 256 bytes.
 bool FullPath(const FileSpec* spec, char* path);
 
 // Who may read and write a file, as the system has it; size 0 when it cannot be told.

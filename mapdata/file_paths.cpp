@@ -1,5 +1,6 @@
 #include "mapdata/file_paths.h"
 
+#include "mapdata/failure.h"
 #include "mapdata/map_commands.h"
 #include "toolbox/drawing.h"
 #include "toolbox/shell_door.h"
@@ -41,6 +42,9 @@ bool ChooseFileSpec(const char* title, const char* filter, FileSpec* spec)
         folder[0] = 0;
     }
     if (!ShowFileDialog(shell.mapWindow, title, filter, 1, path, folder, 1)) {
+        if (CommDlgExtendedError() == FNERR_BUFFERTOOSMALL) {
+            TellFailure(choiceFailedText, ERROR_FILENAME_EXCED_RANGE);
+        }
         return false;
     }
     char base[_MAX_FNAME] = "";
@@ -50,7 +54,7 @@ bool ChooseFileSpec(const char* title, const char* filter, FileSpec* spec)
     strcat(strcat(name, base), extension);
     // What stands before the name is drive and folder, whatever its length.
     path[strlen(path) - strlen(name)] = 0;
-    return MakeFileSpec(path, name, spec) == 0;
+    return MakeFileSpec(path, name, spec) == 0; // a path that the dialog took fits
 }
 
 bool ReplaceMapFileType(char* name, const char* type)

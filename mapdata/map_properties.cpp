@@ -1,5 +1,6 @@
 // The three property dialogs of the Edit menu.
 #include "dialogs/modal.h"
+#include "mapdata/failure.h"
 #include "mapdata/number_dialog.h"
 #include "mapdata/rescue.h"
 #include "toolbox/shell_door.h"
@@ -57,8 +58,12 @@ void UTMDialog()
         record.utmEasting = static_cast<int16_t>(fields[0].value);
         record.utmNorthing = static_cast<int16_t>(fields[1].value);
         currentMap.mapModified = 1;
-        if (view.utmGridMode != 0 && ComposeMapImage() == 0) {
-            InvalidateMapRect(nullptr);
+        if (view.utmGridMode != 0) {
+            if (ComposeMapImage() == 0) {
+                InvalidateMapRect(nullptr);
+            } else {
+                TellFailure(artFailedText, GetLastError());
+            }
         }
     }
     FinishPropertyDialog();

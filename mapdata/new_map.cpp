@@ -1,3 +1,4 @@
+#include "mapdata/failure.h"
 #include "mapdata/file_paths.h"
 #include "mapdata/number_dialog.h"
 #include "mapdata/rescue.h"
@@ -60,6 +61,7 @@ void FillNewRecord(int id, const ArtSize& art, int version, int easting, int nor
 
 void NewMapCommand()
 {
+    ClearFailure();
     MapFiles files;
     int16_t id = 0;
     bool created =
@@ -120,6 +122,7 @@ int16_t NewMapDialog(const MapFiles& files, int16_t id)
 {
     ArtSize art = {};
     if (!ReadArtSize(&files.art, &art)) {
+        TellFailure(artFailedText, GetLastError());
         return 1;
     }
     char heading[textBufferSize] = "";

@@ -1,5 +1,6 @@
 #include "dialogs/modal.h"
 #include "mapdata/data_file.h"
+#include "mapdata/failure.h"
 #include "mapdata/file_paths.h"
 #include "mapdata/map_commands.h"
 #include "mapdata/rescue.h"
@@ -24,6 +25,7 @@ int16_t ReadDataFile()
         return 1;
     }
     if (ReadMapCells(currentMap.openDataFile) != 0) {
+        TellFailure(mapFailedText, GetLastError());
         ReleaseCellColumns();
         return 1;
     }
@@ -81,6 +83,7 @@ bool LoadChosenMap(const MapFiles& files, bool rescued)
 
 void OpenMapCommand()
 {
+    ClearFailure();
     MapFiles files;
     CloseMapDataFile();
     const bool chosen = ChooseMapDataFile(&files) == 0;
@@ -143,12 +146,15 @@ int16_t FinishMapLoad()
     const int16_t imageStatus = MakeMapImage();
     if (imageStatus != 0) {
         ForgetMapView();
+        TellFailure(mapFailedText, ERROR_NOT_ENOUGH_MEMORY);
         return imageStatus;
     }
     FitWindowToMap();
     CreateScrollBarsIfNeeded();
     if (ComposeMapImage() != 0) {
+        const DWORD reason = GetLastError();
         ForgetMapView();
+        TellFailure(artFailedText, reason);
         return 1;
     }
     SetMapTitle();

@@ -1,5 +1,6 @@
 #include "dialogs/modal.h"
 #include "mapdata/data_file.h"
+#include "mapdata/failure.h"
 #include "mapdata/map_commands.h"
 #include "mapdata/rescue.h"
 #include "toolbox/resources.h"
@@ -18,18 +19,27 @@ bool TargetIsThisMaps()
            !EqualString(target.name, currentMap.artFileSpec.name, 0, 1) && MapNumberInName(target.name) != 0;
 }
 
-// Renames the data file to its backup name, over an older backup if need be. A failure is not reported: a new map has
-// no data file yet, and the save goes on in any case.
-void MakeBackup()
+// Renames the data file to its backup name, over an older backup if need be. The save goes on in any case. 0, also
+// for a new map, which has no data file yet; otherwise why there is no backup.
+int16_t MakeBackup()
 {
     FileSpec backup = currentMap.dataFileSpec;
     AppendText(backup.name, "_old");
     if (EqualString(backup.name, currentMap.dataFileSpec.name, 1, 1)) {
-        return; // the longer name does not fit
+        return ERROR_FILENAME_EXCED_RANGE; // the longer name does not fit
     }
-    if (RenameFileSpec(&currentMap.dataFileSpec, backup.name) != 0 && DeleteFileSpec(&backup) == 0) {
-        RenameFileSpec(&currentMap.dataFileSpec, backup.name);
+    int16_t status = RenameFileSpec(&currentMap.dataFileSpec, backup.name);
+    if (status == 0) {
+        return 0;
     }
+    const bool isNew = status == ERROR_FILE_NOT_FOUND;
+    const int16_t deleted = DeleteFileSpec(&backup);
+    if (deleted == 0) {
+        status = RenameFileSpec(&currentMap.dataFileSpec, backup.name);
+    } else if (status == ERROR_ALREADY_EXISTS) {
+        status = deleted;
+    }
+    return isNew ? int16_t{0} : status;
 }
 
 int16_t CreateTarget()
@@ -38,8 +48,9 @@ int16_t CreateTarget()
     HFILE created = noFile;
     if (CreateFileSpec(target, &created) != 0) {
         DeleteFileSpec(target);
-        if (CreateFileSpec(target, &created) != 0) {
-            return 1;
+        const int16_t status = CreateFileSpec(target, &created);
+        if (status != 0) {
+            return status;
         }
     }
     CloseFile(created); // the map is written through a second handle
@@ -69,21 +80,26 @@ int16_t SaveMap(bool confirm)
     if (confirm && !YesNoAlert(240, 100, saveQuestionText)) {
         return 1;
     }
+    ClearFailure();
     if (!TargetIsThisMaps()) {
+        TellFailure(saveFailedText, ERROR_INVALID_NAME);
         return 1;
     }
     NoteSavingBegins();
     CloseMapDataFile();
     FileProtection protection;
+    int16_t backupStatus = 0;
     if (currentMap.record.mapID == currentMap.loadedMapID) {
         ReadFileProtection(&currentMap.dataFileSpec, &protection);
-        MakeBackup();
+        backupStatus = MakeBackup();
     } else {
         DataFileNameForID(currentMap.record.mapID, currentMap.dataFileSpec.name);
         currentMap.ownFileSpec = currentMap.dataFileSpec;
         ReadFileProtection(&currentMap.dataFileSpec, &protection);
     }
-    if (CreateTarget() != 0) {
+    const int16_t createStatus = CreateTarget();
+    if (createStatus != 0) {
+        TellFailure(saveFailedText, static_cast<DWORD>(createStatus));
         return 1;
     }
     if (OpenFileSpec(&currentMap.dataFileSpec, &currentMap.openDataFile) != 0) {
@@ -92,12 +108,18 @@ int16_t SaveMap(bool confirm)
     }
     SetFileProtection(&currentMap.dataFileSpec, &protection); // before there is anything to read
     const int16_t status = WriteMapData(currentMap.openDataFile);
+    const DWORD reason = GetLastError();
     CloseMapDataFile();
-    if (status == 0) {
-        currentMap.mapModified = 0;
-        NoteMapSaved();
+    if (status != 0) {
+        TellFailure(saveFailedText, reason);
+        return status;
     }
-    return status;
+    currentMap.mapModified = 0;
+    NoteMapSaved();
+    if (backupStatus != 0) {
+        TellFailure(noBackupText, static_cast<DWORD>(backupStatus));
+    }
+    return 0;
 }
 
 int AskSaveBeforeQuit()

@@ -162,9 +162,26 @@ TEST_F(NewMapTest, WhatStopsANewMapLeavesNoneAndTheNextAttemptWorks)
         ThenExpectNoMap();
     }
     Write("Map102c.bmp", "BM no bitmap");
-    for (const char* name : {"Map102c.bmp", "Map103c.bmp"}) { // not a bitmap, or none: it stops without a word
+    // Where no message says it, the status strip does, and keeps it until the next attempt.
+    const std::string longFolder = std::string(120, 'd') + "/" + std::string(123 - folder.size(), 'e');
+    const std::pair<std::string, const char*> told[] = {
+        {"Map102c.bmp", "The map art could not be loaded: it is damaged or of another kind."},
+        {"Map103c.bmp", "The map art could not be loaded: the file is not there."},
+        {longFolder + "/Map104c.bmp", "The map art could not be loaded: its path is too long."},
+        {longFolder + longFolder, "The file cannot be used: its path is too long."},
+    };
+    std::filesystem::create_directories(Path(longFolder));
+    for (const auto& [name, text] : told) {
         ChooseArt(name);
         ThenExpectNoMap();
+        ThenCheck([text = text] {
+            EXPECT_STREQ(view.statusText, text);
+            InvalidateMapRect(nullptr);
+            PaintMapWindow();
+            const Rect& port = shell.mapWindow->portRect;
+            const Rect strip = MakeRect(port.left, port.bottom - 18, port.right - 40, port.bottom);
+            EXPECT_GT(CountPixels(shell.mapWindow, strip, RGB(0, 0, 0)), 100);
+        });
     }
     Write("Map101c.bmp", ArtBytes(600, 400));
     ChooseArt("Map101c.bmp");
@@ -172,7 +189,10 @@ TEST_F(NewMapTest, WhatStopsANewMapLeavesNoneAndTheNextAttemptWorks)
     ThenExpectNoMap();
     ChooseArt("Map101c.bmp");
     ClickButton("OK");
-    ThenCheck([] { ExpectArt("after all of these"); });
+    ThenCheck([] {
+        ExpectArt("after all of these");
+        EXPECT_STREQ(view.statusText, "");
+    });
     QuitAndRun();
 }
 

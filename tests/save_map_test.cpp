@@ -140,6 +140,7 @@ TEST_F(SaveMapTest, NoOtherFileIsWrittenWhateverTheStateSays)
                 currentMap.ownFileSpec = currentMap.dataFileSpec;
             }
             EXPECT_EQ(SaveMap(false), 1);
+            EXPECT_STREQ(view.statusText, "The map was not saved: the file is not this map's.");
         });
         QuitAndRun();
         EXPECT_EQ(Read(row.first), "kept") << row.first;
@@ -204,11 +205,14 @@ TEST_F(SaveMapTest, ASaveThatFailsKeepsTheWorkAndTheNextOneMakesIt)
 {
     const struct {
         CallJudge judge;
-        const char* message; // null when none is told
+        const char* told;    // in the status strip
+        const char* message; // null when there is none
     } rows[] = {
-        {Refuse(writeCall, EACCES), nullptr},
-        {Refuse(openCall, EACCES), nullptr},
-        {Refuse(openCall, EACCES, 1),
+        {Refuse(writeCall, ENOSPC), "The map was not saved: the disk is full.", nullptr},
+        {Refuse(syncCall, EDQUOT), "The map was not saved: your share of the disk is used up.", nullptr},
+        {Refuse(openCall, EROFS), "The map was not saved: the disk is write-protected.", nullptr},
+        {Refuse(openCall, ETIMEDOUT), "The map was not saved: system error 31.", nullptr},
+        {Refuse(openCall, EACCES, 1), "",
          "Could not open a new file. Quit program, find and rename the '.bak' file to end in "
          "'.dat' and try again."},
     };
@@ -223,16 +227,42 @@ TEST_F(SaveMapTest, ASaveThatFailsKeepsTheWorkAndTheNextOneMakesIt)
         if (row.message != nullptr) {
             ExpectMessage(row.message);
         }
-        ThenCheck([this] {
+        ThenCheck([&] {
             systemCalls = RealSystemCalls();
             EXPECT_EQ(TopDialog(), nullptr);
+            EXPECT_STREQ(view.statusText, row.told);
+            EXPECT_EQ(headless.beeps, row.told[0] != 0 ? 1 : 0);
+            headless.beeps = 0;
             EXPECT_EQ(currentMap.mapModified, 1);
             EXPECT_TRUE(Read("Map101c.dat_old") == original) << "what was there is safe";
         });
         Save(); // the disk is well again
-        ThenCheck([this] { EXPECT_TRUE(Read("Map101c.dat") == saved); });
+        ThenCheck([this] {
+            EXPECT_TRUE(Read("Map101c.dat") == saved);
+            EXPECT_STREQ(view.statusText, "");
+        });
         QuitAndRun();
     }
+
+    OpenMap();
+    ThenCheck([] {
+        shell.language = 2;
+        JudgeSystemCalls(Refuse(renameNoReplaceCall, EACCES));
+        EXPECT_EQ(SaveMap(false), 0);
+        systemCalls = RealSystemCalls();
+        EXPECT_STREQ(view.statusText,
+                     "La carte est enregistrée, mais sans copie de l'ancien fichier : l'accès est refusé.");
+        shell.language = 1;
+    });
+    ThenCheck([this] {
+        const std::string gone = folder + "-gone";
+        std::filesystem::rename(folder, gone);
+        EXPECT_EQ(SaveMap(false), 1);
+        std::filesystem::rename(gone, folder);
+        EXPECT_STREQ(view.statusText, "The map was not saved: its folder is not there.");
+        EXPECT_EQ(SaveMap(false), 0);
+    });
+    QuitAndRun();
 
     OpenMap();
     OpenPalette('m');

@@ -27,8 +27,11 @@ typedef struct tagOFNA {
     LPCSTR lpstrDefExt;
 } OPENFILENAMEA;
 
-// Lets the user choose one existing file. FALSE when the user cancelled or the path does not fit the buffer.
+// Lets the user choose one existing file. FALSE when the user cancelled or the path does not fit the buffer;
+// CommDlgExtendedError then tells which: 0 or FNERR_BUFFERTOOSMALL.
 BOOL WINAPI GetOpenFileNameA(OPENFILENAMEA* request);
+#define FNERR_BUFFERTOOSMALL 0x3003
+DWORD WINAPI CommDlgExtendedError();
 
 // Only the verb "open", which hands the document to the desktop's own opener and returns at once. A relative file
 // name is looked for in the folder given. The result is above 32 when an opener was started.

@@ -1,3 +1,4 @@
+#include "platform/api/kernel.h"
 #include "platform/gdi/dib.h"
 #include "platform/kernel/paths.h"
 #include "platform/kernel/system_calls.h"
@@ -182,6 +183,9 @@ bool ReadAt(int file, uint64_t offset, uint8_t* bytes, size_t size)
         const ssize_t got = RetryInterrupted(
             [&] { return systemCalls.readAt(file, bytes + done, size - done, static_cast<off_t>(offset + done)); });
         if (got <= 0) {
+            if (got < 0) {
+                SetLastError(ErrorFromErrno(errno, ERROR_READ_FAULT));
+            }
             return false;
         }
         done += static_cast<size_t>(got);
@@ -192,7 +196,12 @@ bool ReadAt(int file, uint64_t offset, uint8_t* bytes, size_t size)
 HBITMAP BitmapFromOpenFile(int file)
 {
     struct stat status;
-    if (RetryInterrupted([&] { return systemCalls.statOpen(file, &status); }) != 0 || !S_ISREG(status.st_mode)) {
+    if (RetryInterrupted([&] { return systemCalls.statOpen(file, &status); }) != 0) {
+        SetLastError(ErrorFromErrno(errno, ERROR_READ_FAULT));
+        return nullptr;
+    }
+    SetLastError(ERROR_INVALID_DATA); // unless the system has another reason
+    if (!S_ISREG(status.st_mode)) {
         return nullptr;
     }
     const uint64_t fileSize = static_cast<uint64_t>(status.st_size);
@@ -215,6 +224,7 @@ HBITMAP BitmapFromOpenFile(int file)
                                                                        : 0;
     PixelBlock block;
     if (size + expanded > mostPictureBytes || !AllocateBlock(&block, size)) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return nullptr;
     }
     HBITMAP bitmap = nullptr;
@@ -237,6 +247,7 @@ HBITMAP BitmapFromFile(const char* path)
     const int file =
         RetryInterrupted([&] { return systemCalls.open(resolved, O_RDONLY | O_CLOEXEC | O_NONBLOCK, 0); });
     if (file < 0) {
+        SetErrorForPath(resolved, ERROR_READ_FAULT);
         return nullptr;
     }
     HBITMAP bitmap = BitmapFromOpenFile(file);

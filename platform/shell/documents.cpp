@@ -36,7 +36,14 @@ HostWindow* HostWindowOf(HWND handle)
     return window != nullptr ? window->hostWindow : nullptr;
 }
 
+DWORD dialogError = 0;
+
 } // namespace
+
+DWORD WINAPI CommDlgExtendedError()
+{
+    return dialogError;
+}
 
 BOOL WINAPI GetOpenFileNameA(OPENFILENAMEA* request)
 {
@@ -44,6 +51,7 @@ BOOL WINAPI GetOpenFileNameA(OPENFILENAMEA* request)
         return FALSE;
     }
     GdiFlush();
+    dialogError = 0;
     char current[PATH_MAX] = "";
     GetCurrentDirectoryA(sizeof current, current);
     const FileFilter filter = ChosenFilter(request->lpstrFilter, request->nFilterIndex);
@@ -59,7 +67,7 @@ BOOL WINAPI GetOpenFileNameA(OPENFILENAMEA* request)
     }
     const size_t length = strnlen(path, sizeof path);
     if (length == 0 || length >= request->nMaxFile || length >= sizeof path) {
-        SetLastError(ERROR_FILENAME_EXCED_RANGE);
+        dialogError = FNERR_BUFFERTOOSMALL;
         return FALSE;
     }
 
