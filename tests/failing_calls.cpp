@@ -225,9 +225,15 @@ CallJudge Refuse(CallKind kind, int error, int after)
     };
 }
 
+bool FailTogether(CallKind first, CallKind second)
+{
+    const auto looks = [](CallKind kind) { return kind == statCall || kind == statOpenCall; };
+    return first == second || (looks(first) && looks(second));
+}
+
 CallJudge FailFrom(int number, int error, FaultSpan span)
 {
-    auto kind = std::make_shared<int>(-1); // of the first call that failed
+    auto kind = std::make_shared<CallKind>(openCall); // of the first call that failed
     return [=](const JudgedCall& call) {
         if (call.number < number) {
             return letThrough;
@@ -235,7 +241,8 @@ CallJudge FailFrom(int number, int error, FaultSpan span)
         if (call.number == number) {
             *kind = call.kind;
         }
-        const bool fails = call.number == number || span == failAll || (span == failKind && call.kind == *kind);
+        const bool fails =
+            call.number == number || span == failAll || (span == failKind && FailTogether(call.kind, *kind));
         return fails ? error : letThrough;
     };
 }

@@ -51,5 +51,6 @@ int OpenDescriptors(); // of the process
 
 // Lets from the given call on fail: that one alone, all of its kind, or all.
 CallJudge Refuse(CallKind kind, int error, int after = 0); // those of a kind, but for the first few
+bool FailTogether(CallKind first, CallKind second);        // those of a kind; both ways of looking at a file are one
 enum FaultSpan { failOnce, failKind, failAll };
 CallJudge FailFrom(int number, int error, FaultSpan span);
