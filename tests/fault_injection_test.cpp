@@ -326,27 +326,6 @@ TEST_F(FailingSaves, EveryCallMayFailAndTheWorkIsWhole)
     EXPECT_GT(messagesShown, 60);
 }
 
-TEST_F(FailingSaves, ShortWritesAreContinued)
-{
-    for (const SaveScenario& scenario : saveScenarios) {
-        for (const bool always : {false, true}) {
-            int writes = 2;
-            for (int cut = 1; cut <= std::min(writes, 6); cut++) {
-                Prepare(scenario);
-                writes = 0;
-                JudgeSystemCalls([&](const JudgedCall& call) {
-                    writes += call.kind == writeCall ? 1 : 0;
-                    return call.kind == writeCall && (always ? writes >= cut : writes == cut) ? halfTransfer
-                                                                                              : letThrough;
-                });
-                ASSERT_EQ(Save(), 0) << scenario.name;
-                ExpectSound(scenario, 0);
-                EXPECT_TRUE(messages.empty());
-            }
-        }
-    }
-}
-
 TEST_F(FailingSaves, WithoutABackupAFailedWriteLosesTheFile)
 {
     // The old backup cannot be replaced, and the disk is full.
