@@ -1,6 +1,6 @@
 # Everything a newcomer needs: make run, make test, make build. Each installs what is missing first (as root on Debian).
 
-.PHONY: run test build bench package fuzz install-packages format lint check screenshots clean
+.PHONY: run test build bench package fuzz install-packages format lint check screenshots screenshots-french clean
 
 build: install-packages
 	cmake --preset release
@@ -46,5 +46,11 @@ check:
 screenshots: build
 	python3 tools/take_screenshots.py
 
+# The same of a program that starts in French, into build-french/images.
+screenshots-french: build
+	cmake --preset release -B build-french -DKESTREL_LANGUAGE=2 -DKESTREL_BENCH=OFF
+	cmake --build build-french --target kestrel-map-tool
+	KESTREL_PROGRAM=build-french/kestrel-map-tool python3 tools/take_screenshots.py build-french/images
+
 clean:
-	rm -rf build build-sanitize build-fuzz
+	rm -rf build build-sanitize build-fuzz build-french

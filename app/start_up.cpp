@@ -86,7 +86,7 @@ const BITMAPINFO* FindBitmapResource(int number)
 
 int RegisterWindowClasses()
 {
-    shell.language = 1;
+    shell.language = KESTREL_LANGUAGE; // of the build; nothing changes it while the program runs
     shell.programVersion = 105;
     for (const ClassRow& row : classTable) {
         WNDCLASSEXA record = {};

@@ -51,8 +51,8 @@ void KeepLastRescueCopy();
 // With the map shown: asks about the newest copy that a program which no longer runs left of it, and takes its record
 // and cells over on Yes. Copies that cannot be used, and those answered with No, are put aside.
 void OfferRescueCopy();
-// With a data file chosen that is missing or unreadable, as a save that broke off leaves it: the same question, before
-// anything else. 1 when record, cells and loadedMapID are there, as if read from the file; NoteBrokenFileReplaced
-// then stands in for NoteMapOpened, once the map is shown.
+// With a data file chosen that is missing or unreadable, as a save that broke off leaves it: the same question,
+// before anything else. 1 when record, cells and loadedMapID are there, as if read from the file;
+// NoteBrokenFileReplaced then stands in for NoteMapOpened, once the map is shown.
 int UseRescueCopyForBrokenFile(const FileSpec* file);
 void NoteBrokenFileReplaced();

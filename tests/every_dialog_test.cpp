@@ -211,4 +211,57 @@ TEST_F(EveryDialogTest, QuitAsksOverTheDialogOnlyWhereItIsEnabled)
     }
 }
 
+// What a dialog shows that is cut, overlapped or outside of it.
+std::string LayoutFaults(WindowPtr dialog)
+{
+    std::string faults;
+    const Rect& port = dialog->portRect;
+    const SavedDrawing saved = BeginDrawing(dialog);
+    for (const DialogItem* item = dialog->firstItem; item != nullptr; item = item->next) {
+        const Rect& rect = item->rect;
+        const int width = rect.right - rect.left;
+        bool fits =
+            rect.left >= port.left && rect.top >= port.top && rect.right <= port.right && rect.bottom <= port.bottom;
+        SetPortFont(fontArial, item->textSize, item->textStyle);
+        if (item->kind == staticTextItem) {
+            fits = fits && TextBoxHeight(item->text, width) <= rect.bottom - rect.top;
+        } else if (item->kind == checkBoxItem) {
+            fits = fits && (item->text[0] == 0 || item->textH + StringWidth(item->text) <= port.right);
+        } else if (item->kind == pushButtonItem) {
+            SetPortFont(fontArial, 10, stylePlain);
+            fits = fits && StringWidth(item->text) <= width - 6;
+            for (const DialogItem* other = item->next; other != nullptr; other = other->next) {
+                const bool apart = other->rect.left >= rect.right || other->rect.right <= rect.left ||
+                                   other->rect.top >= rect.bottom || other->rect.bottom <= rect.top;
+                fits = fits && (other->kind != pushButtonItem || apart);
+            }
+        }
+        if (!fits) {
+            faults += std::string(item->text) + "\n";
+        }
+    }
+    EndDrawing(saved);
+    return faults;
+}
+
+TEST_F(EveryDialogTest, NoTextIsCutInEitherLanguage)
+{
+    for (const uint32_t language : {1u, 2u}) {
+        for (const DialogRow& row : EveryDialog()) {
+            SCOPED_TRACE(row.name + std::to_string(language));
+            ThenCheck([=] { shell.language = language; });
+            if (row.withMap) {
+                OpenMap();
+            }
+            row.open();
+            ThenCheck([] {
+                ASSERT_NE(TopDialog(), nullptr);
+                EXPECT_EQ(LayoutFaults(TopDialog()), "");
+                shell.quitRequested = 1;
+            });
+            Run();
+        }
+    }
+}
+
 } // namespace
