@@ -50,7 +50,7 @@ screenshots: build
 screenshots-french: build
 	cmake --preset release -B build-french -DKESTREL_LANGUAGE=2 -DKESTREL_BENCH=OFF
 	cmake --build build-french --target kestrel-map-tool
-	KESTREL_PROGRAM=build-french/kestrel-map-tool python3 tools/take_screenshots.py build-french/images
+	KESTREL_LANGUAGE=2 KESTREL_PROGRAM=$(CURDIR)/build-french/kestrel-map-tool python3 tools/take_screenshots.py build-french/images
 
 clean:
 	rm -rf build build-sanitize build-fuzz build-french

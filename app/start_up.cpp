@@ -60,11 +60,14 @@ void SetNamedColours()
     colours.olive = PALETTERGB(89, 122, 25);
 }
 
+constexpr uint32_t startUpLanguage = KESTREL_LANGUAGE; // of the build; nothing changes it while the program runs
+
 void SetStartValues()
 {
     const HINSTANCE instance = shell.appInstance;
     shell = {};
     shell.appInstance = instance;
+    shell.language = startUpLanguage;
     view = {};
     currentMap = {};
     editing = {};
@@ -86,7 +89,7 @@ const BITMAPINFO* FindBitmapResource(int number)
 
 int RegisterWindowClasses()
 {
-    shell.language = KESTREL_LANGUAGE; // of the build; nothing changes it while the program runs
+    shell.language = startUpLanguage;
     shell.programVersion = 105;
     for (const ClassRow& row : classTable) {
         WNDCLASSEXA record = {};

@@ -33,6 +33,8 @@ FILE_TIME = 1767259800  # the sample files' date in the file dialog
 FONT = "/usr/share/fonts/truetype/liberation/LiberationSans-Bold.ttf"
 CAPTION_FONT = "/usr/share/fonts/truetype/liberation/LiberationSans-Regular.ttf"
 SCREEN = (1280, 1024)
+FRENCH = os.environ.get("KESTREL_LANGUAGE") == "2"
+ART_TITLE = "Sélectionnez un fichier bmp..." if FRENCH else "Select a bmp file..."
 
 FEW_COLOURS = ["+dither", "-colors", 256]  # of the large pictures, whose size counts
 PNG = ["-strip", "-define", "png:exclude-chunks=date,time,bKGD,gAMA,cHRM", "-define", "png:compression-level=9"]
@@ -183,10 +185,10 @@ def before_a_map(journey, gallery):
         journey.answer(window)
 
     journey.keys("ctrl+n")
-    journey.choose_file("Select a bmp file...", journey.path("Valley.bmp"))
+    journey.choose_file(ART_TITLE, journey.path("Valley.bmp"))
     alert(journey, gallery, (400, 190), "New Map: the name of the art file", "alert-name")
     journey.keys("ctrl+n")
-    journey.choose_file("Select a bmp file...", journey.path("Map205c.bmp"))
+    journey.choose_file(ART_TITLE, journey.path("Map205c.bmp"))
     dialog = journey.wait_window(size=(460, 190))
     for y, value in ((97, "100"), (117, "31"), (137, "7")):
         journey.click_in(dialog, 25, y)
@@ -465,6 +467,7 @@ def main():
     journey = None
     try:
         journey = Journey(FOLDER, screen_file)
+        journey.taller = 60 if FRENCH else 0
         take_all(journey, Gallery(journey, folder))
     except (TimeoutError, RuntimeError):
         if journey:

@@ -71,6 +71,7 @@ class Journey:
         self.pixels = Pixels(screen_file)
         self.display = Display()
         self.failures = 0
+        self.taller = 0  # by how much questions may be taller than asked for: their texts may be longer
         self.process = None
         self.map_window_number = 0
         self.errors = open(os.path.join(folder, "program.txt"), "ab")
@@ -148,9 +149,13 @@ class Journey:
 
     def find_window(self, title=None, size=None):
         for window in self.windows():
-            if (title is None or window.title == title) and (size is None or window.size() == size):
+            if (title is None or window.title == title) and (size is None or self.has_size(window, size)):
                 return window
         return None
+
+    def has_size(self, window, size):
+        width, height = window.size()
+        return width == size[0] and 0 <= height - size[1] <= self.taller
 
     def wait_window(self, title=None, size=None, timeout=10):
         wanted = title or "of %d x %d" % size
