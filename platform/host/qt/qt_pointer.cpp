@@ -207,8 +207,15 @@ void SetCursor(int kind, const HostImage* image, int hotX, int hotY)
 
 void ApplyCursor(Window* window)
 {
-    if (cursorState != nullptr) {
-        window->client->setCursor(cursorState->cursor);
+    if (cursorState == nullptr) {
+        return;
+    }
+    QWidget* client = window->client;
+    client->setCursor(cursorState->cursor);
+    // Where a menu has just closed over the pointer, Qt does not know yet that it is over the client area again.
+    const QPoint place = client->mapFromGlobal(QueryDevices().pointer);
+    if (client->isVisible() && client->rect().contains(place) && window->top->windowHandle() != nullptr) {
+        window->top->windowHandle()->setCursor(cursorState->cursor);
     }
 }
 
