@@ -65,6 +65,9 @@ DialogItem* AddItem(WindowPtr dialog, const DialogItemSpec& spec);
 DialogItem* AddOKButton(WindowPtr dialog, int left, int top, int right, int bottom);
 DialogItem* AddCancelButton(WindowPtr dialog, int left, int top, int right, int bottom);
 
+// The height a static text of the default size needs in a rectangle of that width.
+int StaticTextHeight(WindowPtr dialog, const char* text, int width);
+
 void DrawMockDialog(WindowPtr dialog, bool inUpdate);
 // Frees the items and the record and destroys the window. None is ignored.
 void DisposeMockDialog(WindowPtr dialog);

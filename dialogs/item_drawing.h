@@ -12,7 +12,5 @@ void DrawTextInBox(const char* text, const Rect* rect, COLORREF textColour, COLO
                    int justification);
 void CopyItemImage(const DialogItem* item); // the image of a check box's state, when there is one
 
-// The height a static text of the default size needs in a rectangle of that width.
-int StaticTextHeight(WindowPtr dialog, const char* text, int width);
 // The width of a push button's text.
 int ButtonTextWidth(WindowPtr dialog, const char* text);

@@ -5,6 +5,7 @@
 #include "toolbox/resources.h"
 #include "toolbox/shell_door.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -65,16 +66,21 @@ void FileNameRuleAlert(int which, const char* name)
         return;
     }
     DisableMenuTitles();
-    dialog->defaultItem = AddOKButton(dialog, 340, 160, 390, 180);
-
     const bool isDataFile = which == 1;
     char text[textBufferSize] = "";
     CopyText(name, text);
     AppendText(text, " ?");
-    AddItem(dialog, {staticTextItem, MakeRect(10, 10, width - 10, 27), text});
+    // A long name takes more lines, and everything below moves down.
+    constexpr int nameHeight = 17;
+    const int more = std::max(0, StaticTextHeight(dialog, text, width - 20) - nameHeight);
+    if (more > 0) {
+        SizeWindow(dialog, width, height + more, 0);
+    }
+    dialog->defaultItem = AddOKButton(dialog, 340, 160 + more, 390, 180 + more);
+    AddItem(dialog, {staticTextItem, MakeRect(10, 10, width - 10, 10 + nameHeight + more), text});
     for (const RuleLine& line : ruleLines) {
         GetText(text, isDataFile ? line.dataFileText : line.artFileText);
-        AddItem(dialog, {staticTextItem, MakeRect(10, line.top, width - 10, line.bottom), text});
+        AddItem(dialog, {staticTextItem, MakeRect(10, line.top + more, width - 10, line.bottom + more), text});
     }
 
     ShowWindowInactive(dialog);

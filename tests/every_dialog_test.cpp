@@ -22,6 +22,8 @@ struct DialogRow {
 
 constexpr const char* quitQuestion = "Do you really want to quit? ";
 constexpr const char* saveQuestion = "Save map work before quitting?";
+const std::string longFileName = std::string(150, 'W') + " of a map.dat";
+const char* const longName = longFileName.c_str();
 constexpr const char* versionLabel = ": Map version number (100 to 999)";
 
 std::vector<DialogRow> EveryDialog()
@@ -63,6 +65,7 @@ std::vector<DialogRow> EveryDialog()
     return {
         {"quit without a map", false, command(106), quitQuestion, {"No"}, allGrey},
         {"message", false, commandOnFile(102, "nowhere.dat"), "nowhere.dat ?", {"OK"}, titlesGrey},
+        {"long name", false, commandOnFile(102, longName), longName, {"OK"}, titlesGrey},
         {"short memory", false, shortMemory, "Memory Allocation Error!", {"Continue"}, menusWork},
         {"new map", false, commandOnFile(101, "Map102c.bmp"), "Map102c.dat and Map102c.bmp", {"Cancel"}, titlesGrey},
         {"quit", true, command(106), quitQuestion, {"No"}, allGrey},
