@@ -274,3 +274,28 @@ void operator delete(void* block, size_t) noexcept
 {
     operator delete(block);
 }
+
+// The sanitizers have all the other forms of their own, which do not come here by themselves.
+void* operator new(size_t size, const std::nothrow_t&) noexcept
+{
+    try {
+        return operator new(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+void* operator new[](size_t size)
+{
+    return operator new(size);
+}
+
+void operator delete[](void* block) noexcept
+{
+    operator delete(block);
+}
+
+void operator delete[](void* block, size_t) noexcept
+{
+    operator delete(block);
+}
