@@ -124,6 +124,26 @@ void AnswerTopDialog(WindowPtr dialog)
     ScriptKey(VK_ESCAPE);
 }
 
+// The dialog on top may not be the one whose turn it is: presses where the lowest one can be seen, which raises it.
+void RaiseLowestDialog()
+{
+    const auto isPopup = [](const HeadlessWindow* window) {
+        return window->kind == hostPopupWindow && window->visible;
+    };
+    const auto lowest = std::find_if(headless.windows.rbegin(), headless.windows.rend(), isPopup);
+    if (lowest == headless.windows.rend()) {
+        return;
+    }
+    const HostRect& client = (*lowest)->client;
+    for (const int x : {client.left + 2, client.right - 3}) {
+        for (const int y : {client.top + 2, client.bottom - 3}) {
+            if (host->windowAt(x, y) == (*lowest)->handle) {
+                return ScriptClick(x, y);
+            }
+        }
+    }
+}
+
 void EndSession(EndStage stage, int answersLeft)
 {
     const WindowPtr dialog = TopSessionDialog();
@@ -131,13 +151,14 @@ void EndSession(EndStage stage, int answersLeft)
     switch (stage) {
     case answerQuestions:
         if (dialog != nullptr && answersLeft > 0) {
-            AnswerTopDialog(dialog);
+            answersLeft % 4 == 0 ? RaiseLowestDialog() : AnswerTopDialog(dialog);
             return Then(answerQuestions, answersLeft - 1);
         }
         if (dialog != nullptr) {
             NoteFault(&world, "a dialog that no answer ends");
         }
         CheckSessionAtRest(&world);
+        ScriptKey(VK_ESCAPE); // the window may still wait for the press that moves it by hand
         ScriptMenu(shell.mapShown ? 104 : 106);
         return Then(shell.mapShown ? confirmSave : confirmQuit, 0);
     case confirmSave:

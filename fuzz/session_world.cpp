@@ -8,40 +8,34 @@
 #include "platform/user/platform_reset.h"
 #include "toolbox/resources.h"
 
+#include <cstring>
+
 namespace {
 
 constexpr int mostPixels = 4096; // a side of any window
-constexpr std::pair<int, int> mapSizes[] = {{450, 220}, {455, 225}, {700, 500}, {300, 150}};
+constexpr std::pair<int, int> mapSizes[] = {{280, 140}, {285, 145}, {440, 330}, {190, 100}};
 
-// Two colours, one bit a pixel.
+// Few bytes: run-length encoded, a stripe in the first row, the rest as it is.
 std::string ArtFile(int width, int height)
 {
-    const std::string head = BitmapHead(width, height, 1, {0x204060, 0xC0E0A0});
-    return head + std::string(static_cast<size_t>((width + 31) / 32 * 4 * height), '\x5A');
+    std::string bytes = BitmapHead(width, height, 8, {0x204060, 0xC0E0A0});
+    bytes[30] = BI_RLE8;                               // the header's compression
+    return bytes + std::string("\x20\x01\x00\x01", 4); // 32 pixels of colour 1, and the end
 }
 
 // Only values that the editor knows, with the carried bits strewn in.
 uint16_t FirstCell(uint32_t number, uint8_t terrain)
 {
+    static const auto noGo = TerrainRows(noGoTerrain);
+    static const auto moveCosts = TerrainRows(moveCostTerrain);
     const uint32_t mixed = (number + terrain) * 2654435761u >> 7;
-    const auto pick = [](TerrainGroup group, size_t place) {
-        const auto rows = TerrainRows(group);
+    const auto pick = [](std::span<const TerrainRow> rows, size_t place) {
         return place < rows.size() ? rows[place].value : TerrainCell{0};
     };
     const uint32_t features = terrain == 0 ? 0 : mixed & 0xFF;
-    const uint32_t level = terrain < 64 ? 0 : pick(noGoTerrain, (mixed >> 8 & 3) - 1);
-    const uint32_t cost = terrain < 128 ? 0 : pick(moveCostTerrain, mixed >> 10 & 7);
+    const uint32_t level = terrain < 64 ? 0 : pick(noGo, (mixed >> 8 & 3) - 1);
+    const uint32_t cost = terrain < 128 ? 0 : pick(moveCosts, mixed >> 10 & 7);
     return static_cast<uint16_t>(features | level | cost);
-}
-
-// The bits without a meaning here.
-TerrainCell CarriedBits()
-{
-    TerrainCell known = 0;
-    for (const TerrainRow& row : TerrainRows()) {
-        known |= row.field;
-    }
-    return static_cast<TerrainCell>(~known);
 }
 
 std::string DataFile(uint8_t shape, uint8_t terrain)
@@ -61,6 +55,26 @@ std::string DataFile(uint8_t shape, uint8_t terrain)
     return map.Bytes();
 }
 
+// What the terrain table says of every possible cell word, asked once: the table is read too slowly for a look at all
+// cells of every session.
+struct WordRules {
+    TerrainCell carriedBits = 0xFFFF; // those without a meaning here
+    std::vector<bool> isSetByTools = std::vector<bool>(0x10000);
+};
+
+WordRules MakeWordRules()
+{
+    WordRules rules;
+    for (const TerrainRow& row : TerrainRows()) {
+        rules.carriedBits &= static_cast<TerrainCell>(~row.field);
+    }
+    for (size_t word = 0; word < rules.isSetByTools.size(); word++) {
+        const auto cell = static_cast<TerrainCell>(word);
+        rules.isSetByTools[word] = (NoGoLevelOf(cell) == 0 || NoGoOf(cell) != nullptr) && MoveCostOf(cell) != nullptr;
+    }
+    return rules;
+}
+
 // Palettes alone have a title bar of the program's.
 bool IsPalette(WindowPtr record)
 {
@@ -76,50 +90,73 @@ bool IsOneOf(int value, std::initializer_list<int> values)
     return std::find(values.begin(), values.end(), value) != values.end();
 }
 
-void CheckCell(SessionWorld* world, int x, int y)
+void CheckCell(SessionWorld* world, int x, int y, TerrainCell now)
 {
-    const uint16_t now = currentMap.cellColumns[x][y];
+    static const WordRules rules = MakeWordRules();
     const uint16_t first = world->firstCells[static_cast<size_t>(x * world->rowCount + y)];
-    const int code = MoveCostCodeOf(now);
-    if ((NoGoLevelOf(now) != 0 && NoGoOf(now) == nullptr) || MoveCostOf(now) == nullptr) {
+    if (!rules.isSetByTools[now]) {
         NoteFault(world, "a cell holds a value that no tool sets");
     }
     // Only Remove All Features takes the carried bits.
-    static const TerrainCell carriedBits = CarriedBits();
-    if (!IsOneOf(now & carriedBits, {first & carriedBits, 0})) {
+    if (!IsOneOf(now & rules.carriedBits, {first & rules.carriedBits, 0})) {
         NoteFault(world, "a cell's carried bits changed");
     }
     const bool inMap = x < CellCountOf(MapWidth()) && y < CellCountOf(MapHeight());
     const bool slows = (first & (cellWoods | cellTown)) != 0;
     const bool wholeMapOnly = IsOneOf(now & cellFeaturesMask, {first & cellFeaturesMask, 0}) &&
-                              IsOneOf(code, {first >> cellMoveCostShift, 0, slows ? 2 : 0});
+                              IsOneOf(MoveCostCodeOf(now), {first >> cellMoveCostShift, 0, slows ? 2 : 0});
     if (!inMap && !wholeMapOnly) {
         NoteFault(world, "a cell outside the map was painted");
     }
 }
 
+// Every cell when the map is first seen, then those that changed: what holds of a cell depends on nothing else.
+void CheckCells(SessionWorld* world, bool all)
+{
+    const auto rows = static_cast<size_t>(world->rowCount);
+    for (int x = 0; x < world->columnCount; x++) {
+        const TerrainCell* column = currentMap.cellColumns[x];
+        TerrainCell* checked = world->checkedCells.data() + static_cast<size_t>(x) * rows;
+        if (!all && std::equal(column, column + rows, checked)) {
+            continue;
+        }
+        for (size_t y = 0; y < rows; y++) {
+            if (all || column[y] != checked[y]) {
+                CheckCell(world, x, static_cast<int>(y), column[y]);
+                checked[y] = column[y];
+            }
+        }
+    }
+}
+
+void NoteFirstGrid(SessionWorld* world)
+{
+    const MapRecord& record = currentMap.record;
+    world->gridSeen = true;
+    world->columnCount = record.columnCount;
+    world->rowCount = record.rowCount;
+    world->mapRect = record.mapRect;
+    for (int x = 0; x < record.columnCount; x++) {
+        const TerrainCell* column = currentMap.cellColumns[x];
+        world->columns.push_back(column);
+        world->firstCells.insert(world->firstCells.end(), column, column + record.rowCount);
+    }
+    world->checkedCells = world->firstCells;
+}
+
 void CheckGrid(SessionWorld* world)
 {
     const MapRecord& record = currentMap.record;
-    if (!world->gridSeen) {
-        world->gridSeen = true;
-        world->columnCount = record.columnCount;
-        world->rowCount = record.rowCount;
-        for (int x = 0; x < record.columnCount; x++) {
-            const TerrainCell* column = currentMap.cellColumns[x];
-            world->columns.push_back(column);
-            world->firstCells.insert(world->firstCells.end(), column, column + record.rowCount);
-        }
+    const bool isFirst = !world->gridSeen;
+    if (isFirst) {
+        NoteFirstGrid(world);
     }
     if (record.columnCount != world->columnCount || record.rowCount != world->rowCount ||
+        std::memcmp(&record.mapRect, &world->mapRect, sizeof record.mapRect) != 0 ||
         !std::equal(world->columns.begin(), world->columns.end(), currentMap.cellColumns)) {
         return NoteFault(world, "the grid is another one");
     }
-    for (int x = 0; x < record.columnCount; x++) {
-        for (int y = 0; y < record.rowCount; y++) {
-            CheckCell(world, x, y);
-        }
-    }
+    CheckCells(world, isFirst);
 }
 
 } // namespace
@@ -133,7 +170,8 @@ void BeginSession(SessionWorld* world, uint8_t shape, uint8_t terrain)
     world->folder->Write("Map101c.bmp", ArtFile(width, height));
     world->folder->Write("Map102c.dat", "no map");
     world->folder->Write("Map102c.bmp", "no art");
-    HeadlessReset(640, 480);
+    HeadlessReset(400, 320);
+    headless.keepsPictures = 0;
     host = &headlessHost;
     host->start();
 }
@@ -143,8 +181,10 @@ std::string EndSessionWorld(SessionWorld* world)
     PlatformReset();
     SetPort(nullptr);
     host->stop();
-    world->folder.reset();
-    return world->fault;
+    HeadlessReset();
+    const std::string fault = world->fault;
+    *world = {};
+    return fault;
 }
 
 void NoteFault(SessionWorld* world, const char* fault)

@@ -10,10 +10,12 @@ struct SessionWorld {
     std::string fault;                       // the first one noticed
     std::unique_ptr<TemporaryFolder> folder; // of the session's files
     bool gridSeen = false;
-    std::vector<uint16_t> firstCells; // as they were when the map was first seen, column by column
+    std::vector<uint16_t> firstCells;   // as they were when the map was first seen, column by column
+    std::vector<uint16_t> checkedCells; // as they were when they were last looked at
     std::vector<const uint16_t*> columns;
     int16_t columnCount = 0;
     int16_t rowCount = 0;
+    Rect mapRect = {};
 };
 
 // Writes the files, makes their folder the current one and starts the host. shape: bits 2 to 6 choose the map's

@@ -41,5 +41,5 @@ TEST(FuzzReplay, BitmapInputsFindNoFault)
 
 TEST(FuzzReplay, SessionsFindNoFault)
 {
-    Replay("session", FuzzSession, 47);
+    Replay("session", FuzzSession, 49);
 }

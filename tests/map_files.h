@@ -28,7 +28,10 @@ class TemporaryFolder {
         }
         std::filesystem::current_path(folder);
         std::filesystem::create_directory(StateFolder());
-        setenv("XDG_STATE_HOME", StateFolder().c_str(), 1);
+        // The environment keeps every value of setenv for ever, which a fuzzer would take for a leak.
+        static std::string variable;
+        variable = "XDG_STATE_HOME=" + StateFolder();
+        putenv(variable.data());
     }
 
     ~TemporaryFolder()

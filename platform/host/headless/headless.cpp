@@ -68,6 +68,12 @@ void CopyPicture(HeadlessWindow* window, HostRect part)
     part.top = std::max(part.top, 0);
     part.right = std::min(part.right, width);
     part.bottom = std::min(part.bottom, height);
+    if (!headless.keepsPictures) {
+        // Read nevertheless, so that the sanitizers notice a picture that is gone or too small.
+        [[maybe_unused]] const volatile uint32_t ends[] = {PicturePixel(window, part.left, part.top),
+                                                           PicturePixel(window, part.right - 1, part.bottom - 1)};
+        return;
+    }
     for (int y = part.top; y < part.bottom; y++) {
         for (int x = part.left; x < part.right; x++) {
             window->shown[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)] =
@@ -81,7 +87,9 @@ void ShowAll(HeadlessWindow* window)
 {
     const int width = window->client.right - window->client.left;
     const int height = window->client.bottom - window->client.top;
-    window->shown.assign(static_cast<size_t>(width) * static_cast<size_t>(height), behindPicture);
+    if (headless.keepsPictures) {
+        window->shown.assign(static_cast<size_t>(width) * static_cast<size_t>(height), behindPicture);
+    }
     CopyPicture(window, {0, 0, width, height});
 }
 
@@ -425,6 +433,9 @@ uint32_t WindowPixel(const HeadlessWindow* window, int x, int y)
         if (bar->parent == window->handle && Contains(bar->place, column, row)) {
             return barColour;
         }
+    }
+    if (!headless.keepsPictures) {
+        return PicturePixel(window, column, row);
     }
     const size_t width = static_cast<size_t>(window->client.right - window->client.left);
     return window->shown[static_cast<size_t>(row) * width + static_cast<size_t>(column)];

@@ -103,7 +103,7 @@ struct HeadlessWindow {
     int pictureWidth;
     int pictureHeight;
     int pictureStride;
-    std::vector<uint32_t> shown; // the client area as it was last presented
+    std::vector<uint32_t> shown; // the client area as it was last presented; empty where pictures are not kept
 };
 
 struct HeadlessFileDialog {
@@ -145,9 +145,11 @@ struct HeadlessState {
     int raises = 0;
     int refusesRaises = 0; // the window manager leaves the order as it is
     int covered = 0;       // another program's window lies over all of ours, until one of them is raised
+    int keepsPictures = 1; // what is presented is copied; where not, a look at the screen sees the program's pixels
 };
 
-// For reading; a test may set what the user holds and what the desktop does.
+// For reading; a test may set what the user holds, what the desktop does and, before there are windows, whether
+// pictures are kept.
 extern HeadlessState headless;
 
 // Forgets everything, windows and script included, and begins with a fresh screen.
