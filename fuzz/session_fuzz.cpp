@@ -124,21 +124,20 @@ void AnswerTopDialog(WindowPtr dialog)
     ScriptKey(VK_ESCAPE);
 }
 
-// The dialog on top may not be the one whose turn it is: presses where the lowest one can be seen, which raises it.
-void RaiseLowestDialog()
+// The dialog on top may not be the one whose turn it is: presses where the lowest of the others can be seen, which
+// raises it.
+void RaiseAnotherDialog()
 {
-    const auto isPopup = [](const HeadlessWindow* window) {
-        return window->kind == hostPopupWindow && window->visible;
-    };
-    const auto lowest = std::find_if(headless.windows.rbegin(), headless.windows.rend(), isPopup);
-    if (lowest == headless.windows.rend()) {
-        return;
-    }
-    const HostRect& client = (*lowest)->client;
-    for (const int x : {client.left + 2, client.right - 3}) {
-        for (const int y : {client.top + 2, client.bottom - 3}) {
-            if (host->windowAt(x, y) == (*lowest)->handle) {
-                return ScriptClick(x, y);
+    for (size_t i = headless.windows.size(); i-- > 1;) {
+        const HeadlessWindow* window = headless.windows[i];
+        if (window->kind != hostPopupWindow || !window->visible) {
+            continue;
+        }
+        for (const int x : {window->client.left + 2, window->client.right - 3}) {
+            for (const int y : {window->client.top + 2, window->client.bottom - 3}) {
+                if (host->windowAt(x, y) == window->handle) {
+                    return ScriptClick(x, y);
+                }
             }
         }
     }
@@ -151,7 +150,7 @@ void EndSession(EndStage stage, int answersLeft)
     switch (stage) {
     case answerQuestions:
         if (dialog != nullptr && answersLeft > 0) {
-            answersLeft % 4 == 0 ? RaiseLowestDialog() : AnswerTopDialog(dialog);
+            answersLeft % 4 == 0 ? RaiseAnotherDialog() : AnswerTopDialog(dialog);
             return Then(answerQuestions, answersLeft - 1);
         }
         if (dialog != nullptr) {

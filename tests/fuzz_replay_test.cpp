@@ -41,5 +41,5 @@ TEST(FuzzReplay, BitmapInputsFindNoFault)
 
 TEST(FuzzReplay, SessionsFindNoFault)
 {
-    Replay("session", FuzzSession, 49);
+    Replay("session", FuzzSession, 50);
 }

@@ -204,6 +204,50 @@ TEST_F(MapDataTest, ATextOfUpTo255CharactersIsKeptAndALongerOneIsDamage)
     }
 }
 
+TEST_F(MapDataTest, AFieldOfEveryTypeComesBackAsItWasWritten)
+{
+    const struct {
+        int type;
+        size_t size;
+    } rows[] = {{byteField, 1}, {wordField, 2}, {28, 2}, {cellField, 2},   {8, 8},
+                {10, 8},        {4, 4},         {6, 7},  {pascalField, 6}, {countedField, 5}};
+    char value[] = "\5field\0x"; // five characters behind their number, a text of six
+    std::string expected;
+    HFILE file = Create();
+    for (const auto& row : rows) {
+        EXPECT_EQ(TransferField(writeField, row.type, file, value, 5), 0) << row.type;
+        expected.append(value, row.size);
+    }
+    CloseFile(file);
+    EXPECT_TRUE(Read("Map101c.dat") == expected);
+    file = Open();
+    for (const auto& row : rows) {
+        char back[16] = "";
+        EXPECT_EQ(TransferField(readField, row.type, file, back, 5), 0) << row.type;
+        EXPECT_TRUE(std::string(back, 16) == std::string(value, row.size).append(16 - row.size, 0)) << row.type;
+    }
+    for (const int type : {wordField, textField}) { // at the end of the file
+        EXPECT_EQ(TransferField(readField, type, file, value, 0), 0);
+        EXPECT_STREQ(value, "\5field");
+    }
+    CloseFile(file);
+    char text[256] = "";
+    for (const int type : {textField, pascalField, wordField}) {
+        EXPECT_EQ(TransferField(readField, type, HFILE_ERROR, text, 0), -1) << type;
+    }
+    EXPECT_EQ(TransferField(writeField, countedField, HFILE_ERROR, text, -1), -1);
+    currentMap.record.columnCount = 1; // cells without their columns, then columns without a file
+    currentMap.record.rowCount = 1;
+    EXPECT_TRUE(ReadMapCells(HFILE_ERROR) != 0 && WriteMapData(HFILE_ERROR) != 0);
+    EXPECT_TRUE(AllocateCellColumns() == 0 && WriteMapData(HFILE_ERROR) != 0);
+    for (const size_t length : {3, 256}) { // a text without its zero byte: the last of the file, or too long
+        Write("Map101c.dat", std::string(length, 'a'));
+        file = Open();
+        EXPECT_EQ(TransferField(readField, textField, file, text, 0), length == 3 ? 0 : -1);
+        CloseFile(file);
+    }
+}
+
 TEST_F(MapDataTest, ColumnsAreAllocatedInPlaceOfTheOldOnesAndReleasedWhole)
 {
     const int before = GlobalBlocksInUse();

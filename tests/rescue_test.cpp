@@ -184,10 +184,21 @@ TEST_F(Rescue, OnlyAWholeCopyOfThisVeryFileIsOffered)
     } rows[] = {
         {"the file was replaced", [this] { Write("Map101c.dat", painted); }, true},
         {"the copy is cut", [this] { fs::resize_file(Copies().at(0), 500); }, true},
+        {"the copy is no map", [this] { std::ofstream(Copies().at(0)) << "no map"; }, true},
         {"the copy is of another size", [this] { std::ofstream(Copies().at(0)) << MapFile(101, 500, 400).Bytes(); },
          true},
         {"the record is none",
          [this] { std::ofstream(Copies().at(0).replace_extension(".txt")) << "map: " << Path("Map101c.dat"); },
+         false},
+        {"the record's path is too long",
+         [this] { std::ofstream(Copies().at(0).replace_extension(".txt")) << "\nmap: " << std::string(300, 'a'); },
+         false},
+        {"the record cannot be read",
+         [this] {
+             const fs::path record = Copies().at(0).replace_extension(".txt");
+             fs::remove(record);
+             fs::create_directory(record);
+         },
          false},
     };
     for (const auto& row : rows) {
@@ -261,15 +272,76 @@ TEST_F(Rescue, ASaveThatBrokeOffLosesNothing)
     }
 }
 
+TEST_F(Rescue, AnUnansweredQuestionIsAskedAgainAndADeclinedOneIsNot)
+{
+    for (const bool saveBrokeOff : {false, true}) {
+        SCOPED_TRACE(saveBrokeOff);
+        fs::remove_all(StateFolder());
+        Write("Map101c.dat", original);
+        if (saveBrokeOff) {
+            OpenMap();
+            PaintACell();
+            ThenCheck([] { JudgeSystemCalls(Refuse(writeCall, ENOSPC)); });
+            ScriptControl('q');
+            ClickButton("Save");
+            Run();
+            systemCalls = RealSystemCalls();
+            Write("Map101c.dat", "");
+            StartAgain();
+        } else {
+            LeaveWorkBehind();
+            fs::path copy = Copies().at(0); // the older of two goes aside unasked
+            for (const char* ending : {".dat", ".txt"}) {
+                fs::copy(copy.replace_extension(ending), copy.parent_path() / (std::string("Map101c-7-1") + ending));
+            }
+        }
+        OpenMap();
+        ThenCheck([] { EXPECT_NE(TopDialog(), nullptr); });
+        ScriptSessionEnd();
+        Run();
+        EXPECT_EQ(Copies().size(), 1U);
+        const size_t aside = Copies(true).size();
+        EXPECT_EQ(aside, saveBrokeOff ? 0U : 1U);
+        StartAgain();
+        OpenMap();
+        ExpectQuestion("No");
+        ThenCheck([] { EXPECT_EQ(shell.mapShown != 0 ? MarkedCells() : "", ""); });
+        ScriptKey(VK_RETURN);
+        QuitAndRun();
+        EXPECT_EQ(Copies(true).size(), aside + 1);
+        StartAgain();
+    }
+}
+
 TEST_F(Rescue, AFolderThatCannotBeWrittenStopsNothing)
 {
-    fs::remove(StateFolder());
-    std::ofstream(StateFolder()) << "no folder";
+    for (const char* place : {"/kestrel-map-tool", ""}) {
+        Write("Map101c.dat", original);
+        fs::remove_all(StateFolder() + place);
+        std::ofstream(StateFolder() + place) << "no folder";
+        OpenMap();
+        PaintACell();
+        ScriptControl('s');
+        ClickButton("Yes");
+        ThenCheck([this] { EXPECT_TRUE(Read("Map101c.dat") == painted); });
+        QuitAndRun();
+        StartAgain();
+    }
+}
+
+TEST_F(Rescue, ANewIdentityComesBackToo)
+{
     OpenMap();
-    PaintACell();
-    ScriptControl('s');
-    ClickButton("Yes");
-    ThenCheck([this] { EXPECT_TRUE(Read("Map101c.dat") == painted); });
+    ScriptMenu(205);
+    ClickItem(105);
+    ScriptText("222");
+    ClickButton("OK");
+    ScriptSessionEnd();
+    Run();
+    StartAgain();
+    OpenMap();
+    ExpectQuestion("Yes");
+    ThenCheck([] { EXPECT_EQ(Title(), "Map222c.dat"); });
     QuitAndRun();
 }
 
