@@ -182,7 +182,7 @@ std::string EndSessionWorld(SessionWorld* world)
     SetPort(nullptr);
     host->stop();
     HeadlessReset();
-    const std::string fault = world->fault;
+    std::string fault = world->fault;
     *world = {};
     return fault;
 }
