@@ -288,6 +288,8 @@ TEST_F(MapDataTest, PathsThatDoNotFitAreRefusedAndNeverCut)
     ASSERT_EQ(MakeFileSpec(deep.c_str(), "/", &longest), 0);
     EXPECT_TRUE(FullPath(&longest, path)) << "254 characters";
     EXPECT_EQ(strlen(path), 254u);
+    ASSERT_EQ(MakeFileSpec(deep.c_str(), "12345678", &longest), 0);
+    EXPECT_EQ(DeleteFileSpec(&longest), ERROR_FILENAME_EXCED_RANGE);
     Write("Map101c.dat", "7");
     EXPECT_EQ(RenameFileSpec(&spec, std::string(260, 'n').c_str()), ERROR_FILENAME_EXCED_RANGE);
     EXPECT_EQ(Read("Map101c.dat"), "7");

@@ -1,10 +1,12 @@
 // Work that is not in the map's file outlives the program, and belongs to that file only.
+#include "mapdata/rescue.h"
 #include "mapdata/rescue_files.h"
 #include "platform/kernel/system_calls.h"
 #include "tests/editor_session.h"
 #include "tests/failing_calls.h"
 
 #include <cerrno>
+#include <cstring>
 
 namespace {
 
@@ -292,7 +294,7 @@ TEST_F(Rescue, AnUnansweredQuestionIsAskedAgainAndADeclinedOneIsNot)
             LeaveWorkBehind();
             fs::path copy = Copies().at(0); // the older of two goes aside unasked
             for (const char* ending : {".dat", ".txt"}) {
-                fs::copy(copy.replace_extension(ending), copy.parent_path() / (std::string("Map101c-7-1") + ending));
+                fs::copy(copy.replace_extension(ending), copy.parent_path() / (std::string("Old") + ending));
             }
         }
         OpenMap();
@@ -327,6 +329,31 @@ TEST_F(Rescue, AFolderThatCannotBeWrittenStopsNothing)
         QuitAndRun();
         StartAgain();
     }
+}
+
+TEST_F(Rescue, AFileOfACopyThatCannotBeMadeStopsNothing)
+{
+    static const char* refused;
+    for (const char* part : {"/rescue/-", "/rescue/Map"}) { // the lock, and the copy
+        refused = part;
+        systemCalls.open = [](const char* path, int flags, mode_t mode) {
+            errno = EACCES;
+            return strstr(path, refused) != nullptr ? -1 : RealSystemCalls().open(path, flags, mode);
+        };
+        Write("Map101c.dat", original);
+        OpenMap();
+        PaintACell();
+        ThenCheck([this] { EXPECT_TRUE(Copies().empty()); });
+        ScriptControl('s');
+        ClickButton("Yes");
+        ThenCheck([this] { EXPECT_TRUE(Read("Map101c.dat") == painted); });
+        QuitAndRun();
+        StartAgain();
+    }
+    systemCalls = RealSystemCalls();
+    currentMap = {};
+    NoteSavingBegins(); // without a map there is nothing to keep
+    EXPECT_EQ(rescue.saving, 0);
 }
 
 TEST_F(Rescue, ANewIdentityComesBackToo)
