@@ -24,16 +24,26 @@ struct FeatureLook {
     const TerrainRow* square;
     const TerrainRow* centre;
     const TerrainRow* frame;
+    int squarePlace;
+    bool overCost; // the square is shown, and not the movement cost
+    bool overTile;
+    DWORD centrePixel;
+    DWORD framePixel;
 };
 
 // The terrain table as the picture needs it: looked up by the bits of a cell instead of searched for every cell.
 struct Looks {
     FeatureLook ofFeatures[cellFeatureBits + 1];
     int moveCostGround[1 << (16 - cellMoveCostShift)];
-    int moveCostPrecedence;
-    int tilePrecedence;
     std::vector<HBRUSH> brushes; // of every row
+    std::vector<DWORD> pixels;
 };
+
+constexpr DWORD DibPixel(COLORREF colour)
+{
+    return static_cast<DWORD>(GetRValue(colour)) << 16 | static_cast<DWORD>(GetGValue(colour)) << 8 |
+           GetBValue(colour);
+}
 
 int PlaceOf(const TerrainRow* row)
 {
@@ -68,17 +78,24 @@ FeatureLook LookOfFeatures(TerrainCell cell)
 Looks PrepareLooks()
 {
     Looks looks = {};
+    const int costPrecedence = TerrainRows(moveCostTerrain).back().analysis.precedence;
+    const int tilePrecedence = TerrainRows(noGoTerrain).front().analysis.precedence;
     for (int bits = 0; bits <= cellFeatureBits; bits++) {
-        looks.ofFeatures[bits] = LookOfFeatures(static_cast<TerrainCell>(bits));
+        FeatureLook& look = looks.ofFeatures[bits];
+        look = LookOfFeatures(static_cast<TerrainCell>(bits));
+        look.overCost = look.square != nullptr && look.square->analysis.precedence > costPrecedence;
+        look.overTile = look.square != nullptr && look.square->analysis.precedence > tilePrecedence;
+        look.squarePlace = look.square != nullptr ? PlaceOf(look.square) : artGround;
+        look.centrePixel = look.centre != nullptr ? DibPixel(look.centre->analysis.colour) : 0;
+        look.framePixel = look.frame != nullptr ? DibPixel(look.frame->analysis.colour) : 0;
     }
     std::fill(std::begin(looks.moveCostGround), std::end(looks.moveCostGround), artGround);
     for (const TerrainRow& row : TerrainRows(moveCostTerrain)) {
         looks.moveCostGround[MoveCostCodeOf(row.value)] = PlaceOf(&row);
-        looks.moveCostPrecedence = row.analysis.precedence;
     }
-    looks.tilePrecedence = TerrainRows(noGoTerrain).front().analysis.precedence;
     for (const TerrainRow& row : TerrainRows()) {
         looks.brushes.push_back(CreateSolidBrush(row.analysis.colour));
+        looks.pixels.push_back(DibPixel(row.analysis.colour));
     }
     return looks;
 }
@@ -97,11 +114,10 @@ const FeatureLook& LookOf(const Looks& looks, TerrainCell cell)
 
 int GroundOf(const Looks& looks, TerrainCell cell)
 {
-    const TerrainRow* square = LookOf(looks, cell).square;
+    const FeatureLook& look = LookOf(looks, cell);
     const bool isNoGo = (cell & cellNoGoMask) != 0;
-    const int below = isNoGo ? looks.tilePrecedence : looks.moveCostPrecedence;
-    if (square != nullptr && square->analysis.precedence > below) {
-        return PlaceOf(square);
+    if (isNoGo ? look.overTile : look.overCost) {
+        return look.squarePlace;
     }
     return isNoGo ? tileGround : looks.moveCostGround[MoveCostCodeOf(cell)];
 }
@@ -170,12 +186,6 @@ struct RowLines {
     std::vector<DWORD> middle;
 };
 
-constexpr DWORD DibPixel(COLORREF colour)
-{
-    return static_cast<DWORD>(GetRValue(colour)) << 16 | static_cast<DWORD>(GetGValue(colour)) << 8 |
-           GetBValue(colour);
-}
-
 void PrepareRowLines(RowLines* lines)
 {
     const int width = currentMap.record.columnCount * cellSize;
@@ -190,20 +200,14 @@ void PrepareRowLines(RowLines* lines)
     }
 }
 
-DWORD PixelOf(const TerrainRow& row)
+void ComposeCell(const FeatureLook& look, DWORD groundPixel, DWORD* border, DWORD* side, DWORD* middle)
 {
-    return DibPixel(row.analysis.colour);
-}
-
-void ComposeCell(const FeatureLook& look, const TerrainRow& ground, DWORD* border, DWORD* side, DWORD* middle)
-{
-    const DWORD groundPixel = PixelOf(ground);
-    const DWORD edgePixel = look.frame != nullptr ? PixelOf(*look.frame) : groundPixel;
+    const DWORD edgePixel = look.frame != nullptr ? look.framePixel : groundPixel;
     std::fill_n(border, cellSize, edgePixel);
     std::fill_n(side, cellSize, groundPixel);
     std::fill_n(middle, cellSize, groundPixel);
     if (look.centre != nullptr) {
-        std::fill_n(middle + markInset, cellSize - 2 * markInset, PixelOf(*look.centre));
+        std::fill_n(middle + markInset, cellSize - 2 * markInset, look.centrePixel);
     }
     side[0] = side[cellSize - 1] = middle[0] = middle[cellSize - 1] = edgePixel;
 }
@@ -211,7 +215,6 @@ void ComposeCell(const FeatureLook& look, const TerrainRow& ground, DWORD* borde
 // False when a cell of the row shows the art.
 bool ComposeRow(RowLines* lines, int row, const Looks& looks)
 {
-    const TerrainRow* table = TerrainRows().data();
     for (int column = 0; column < currentMap.record.columnCount; column++) {
         const TerrainCell cell = currentMap.cellColumns[column][row];
         const int ground = GroundOf(looks, cell);
@@ -220,8 +223,8 @@ bool ComposeRow(RowLines* lines, int row, const Looks& looks)
         }
         // A tile will cover its square, whatever colour that has.
         const size_t start = static_cast<size_t>(column) * cellSize;
-        ComposeCell(LookOf(looks, cell), table[std::max(ground, 0)], &lines->border[start], &lines->side[start],
-                    &lines->middle[start]);
+        ComposeCell(LookOf(looks, cell), looks.pixels[static_cast<size_t>(std::max(ground, 0))],
+                    &lines->border[start], &lines->side[start], &lines->middle[start]);
     }
     return true;
 }

@@ -138,7 +138,7 @@ void WriteRescueCopy(benchmark::State& state)
 {
     OpenLargestMap();
     for (auto _ : state) {
-        currentMap.cellColumns[0][0] ^= 1; // nothing is written for a map that is as it was
+        ++currentMap.cellColumns[0][0]; // nothing is written for a map that is as it was
         NoteMapChange();
         KeepRescueCopy();
     }

@@ -34,9 +34,9 @@ void ClearEveryMoveCost()
 
 void RaiseWoodsAndTownsToR2()
 {
-    const TerrainCell rough2 = MoveCostOfTool(rough2Tool)->value;
-    ChangeEveryCell([=](TerrainCell cell) {
-        const bool slows = (cell & (cellWoods | cellTown)) != 0 && MoveCostCodeOf(cell) < MoveCostCodeOf(rough2);
+    const int rough2 = MoveCostOfTool(rough2Tool)->value; // the highest bits are the cost, so words compare as costs
+    ChangeEveryCell([=](int cell) {
+        const bool slows = (cell & (cellWoods | cellTown)) != 0 && cell < rough2;
         return slows ? (cell & cellFeaturesMask) | rough2 : cell;
     });
 }
