@@ -7,24 +7,6 @@ namespace {
 
 constexpr size_t sizeWordCount = 9; // the words that the sizes are known after
 
-struct HeaderWords {
-    int16_t* word[mapHeaderWordCount];
-};
-
-// The header words in the order of the file, which has left before top and columns before rows.
-HeaderWords HeaderWordsOf(MapRecord* record)
-{
-    return {{
-        &record->mapID,           &record->auxWord1,         &record->auxWord2,         &record->columnCount,
-        &record->rowCount,        &record->mapRect.left,     &record->mapRect.top,      &record->mapRect.right,
-        &record->mapRect.bottom,  &record->areaFlag1,        &record->areaRect1.left,   &record->areaRect1.top,
-        &record->areaRect1.right, &record->areaRect1.bottom, &record->areaFlag2,        &record->areaRect2.left,
-        &record->areaRect2.top,   &record->areaRect2.right,  &record->areaRect2.bottom, &record->areaFlag3,
-        &record->areaRect3.left,  &record->areaRect3.top,    &record->areaRect3.right,  &record->areaRect3.bottom,
-        &record->markerWord,      &record->utmEasting,       &record->utmNorthing,      &record->versionNumber,
-    }};
-}
-
 // The word at an offset. Of a word that the bytes end inside of, the low byte is new; one behind them is the old
 // value.
 uint16_t DecodeWord(const uint8_t* bytes, size_t count, size_t offset, uint16_t old)
@@ -60,6 +42,19 @@ int SizeFaults(const MapRecord* record)
 }
 
 } // namespace
+
+HeaderWords HeaderWordsOf(MapRecord* record)
+{
+    return {{
+        &record->mapID,           &record->auxWord1,         &record->auxWord2,         &record->columnCount,
+        &record->rowCount,        &record->mapRect.left,     &record->mapRect.top,      &record->mapRect.right,
+        &record->mapRect.bottom,  &record->areaFlag1,        &record->areaRect1.left,   &record->areaRect1.top,
+        &record->areaRect1.right, &record->areaRect1.bottom, &record->areaFlag2,        &record->areaRect2.left,
+        &record->areaRect2.top,   &record->areaRect2.right,  &record->areaRect2.bottom, &record->areaFlag3,
+        &record->areaRect3.left,  &record->areaRect3.top,    &record->areaRect3.right,  &record->areaRect3.bottom,
+        &record->markerWord,      &record->utmEasting,       &record->utmNorthing,      &record->versionNumber,
+    }};
+}
 
 int DecodeMapHeader(const uint8_t* bytes, size_t count, MapRecord* record, size_t* bytesTaken)
 {

@@ -10,6 +10,12 @@ constexpr size_t maxMapHeaderBytes = mapHeaderWordBytes + sizeof(MapRecord::mapT
 
 enum MapHeaderFault { mapTooWide = 1, mapTooHigh = 2, mapHeaderDamaged = 4 };
 
+struct HeaderWords {
+    int16_t* word[mapHeaderWordCount];
+};
+// The header words in the order of the file, which has left before top and columns before rows.
+HeaderWords HeaderWordsOf(MapRecord* record);
+
 // Decodes header words and text into the record; what the bytes lack keeps its value. Returns the sum of the faults.
 // After one in the sizes only the words up to mapRect are new. bytesTaken: where the cells begin, at most count.
 int DecodeMapHeader(const uint8_t* bytes, size_t count, MapRecord* record, size_t* bytesTaken);

@@ -11,15 +11,13 @@
 #include <unistd.h>
 
 constexpr uint64_t fileHeaderSize = 14;
-// Every header with its masks and colour table ends within these bytes.
-constexpr size_t headBytes = 2048;
 constexpr uint32_t compressionAlphaBitfields = 6;
 constexpr uint64_t mostPictureBytes = 512u << 20; // of memory for one picture; more is refused before any is taken
 
 // The beginning of a bitmap file and the size of the whole.
 struct FileHead {
     const uint8_t* bytes;
-    uint64_t fileSize; // bytes holds at least headBytes of them, or all
+    uint64_t fileSize; // bytes holds at least bitmapHeadBytes of them, or all
     uint32_t headerSize;
 };
 
@@ -172,6 +170,18 @@ HBITMAP BitmapFromFileBytes(const uint8_t* bytes, size_t size)
     return BitmapFromDib(layout, bytes + begin, static_cast<size_t>(end - begin), nullptr);
 }
 
+bool BitmapSizeFromHead(const uint8_t* head, uint64_t fileSize, int* width, int* height)
+{
+    DibLayout layout = {};
+    uint64_t begin, end;
+    if (!ReadHead({head, fileSize, 0}, &layout, &begin, &end)) {
+        return false;
+    }
+    *width = layout.width;
+    *height = layout.height;
+    return true;
+}
+
 // ---- from a path ----
 
 namespace {
@@ -205,17 +215,17 @@ HBITMAP BitmapFromOpenFile(int file)
         return nullptr;
     }
     const uint64_t fileSize = static_cast<uint64_t>(status.st_size);
-    uint8_t head[headBytes];
+    uint8_t head[bitmapHeadBytes];
     DibLayout layout = {};
     uint64_t begin, end;
-    if (!ReadAt(file, 0, head, static_cast<size_t>(std::min<uint64_t>(fileSize, headBytes))) ||
+    if (!ReadAt(file, 0, head, static_cast<size_t>(std::min<uint64_t>(fileSize, bitmapHeadBytes))) ||
         !ReadHead({head, fileSize, 0}, &layout, &begin, &end)) {
         return nullptr;
     }
     // Run lengths need no more than this, however long the file is made.
     const uint64_t pixelCount = static_cast<uint64_t>(layout.width) * static_cast<uint64_t>(layout.height);
     if (layout.runLengths) {
-        end = std::min(end, begin + pixelCount * 4 + headBytes);
+        end = std::min(end, begin + pixelCount * 4 + bitmapHeadBytes);
     }
 
     const size_t size = static_cast<size_t>(end - begin);

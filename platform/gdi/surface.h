@@ -4,6 +4,9 @@
 #include "platform/api/gdi.h"
 #include "platform/api/types.h"
 
+#include <cstddef>
+#include <cstdint>
+
 // A picture of 32 bits a pixel, 0x00RRGGBB, rows top-down. dirty is the bounding box of what was drawn since it was
 // last emptied (left >= right: nothing); drawing only ever grows it.
 struct Surface {
@@ -34,3 +37,9 @@ HDC CreateScreenDC(ScreenLine line);
 HBITMAP BitmapFromFileBytes(const uint8_t* bytes, size_t size);
 // The same from a path, reading the file once. Null when it cannot be read or is damaged.
 HBITMAP BitmapFromFile(const char* path);
+
+// Every header of a bitmap file with its masks and colour table ends within these bytes.
+constexpr size_t bitmapHeadBytes = 2048;
+// The size that a bitmap file has, from its first bitmapHeadBytes bytes, or all. False when it is no bitmap that
+// could be loaded; runs of compressed pixels are not looked at.
+bool BitmapSizeFromHead(const uint8_t* head, uint64_t fileSize, int* width, int* height);
