@@ -9,6 +9,7 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE previousInstance, LPSTR command
 
 int RegisterWindowClasses(); // 1 when all four were registered, 0 at the first failure
 void InitApplication();
+void SetNamedColours(); // and the background around a map
 void CreateMapWindow();
 void LoadProgramPalette();
 HPALETTE PaletteFromBitmap(int bitmapResource); // null when there is no such bitmap

@@ -34,6 +34,32 @@ const ClassRow classTable[] = {
     {"WInfoWindowClass", CS_OWNDC, InfoWindowProcedure, false},
 };
 
+constexpr uint32_t startUpLanguage = KESTREL_LANGUAGE; // of the build; nothing changes it while the program runs
+
+void SetStartValues()
+{
+    const HINSTANCE instance = shell.appInstance;
+    shell = {};
+    shell.appInstance = instance;
+    shell.language = startUpLanguage;
+    view = {};
+    currentMap = {};
+    editing = {};
+    editing.gridColourItem = 208; // the red grid
+    ReleaseSoundSlots();
+}
+
+const BITMAPINFO* FindBitmapResource(int number)
+{
+    const HRSRC resource = FindResourceA(shell.appInstance, MAKEINTRESOURCEA(number), RT_BITMAP);
+    if (resource == nullptr) {
+        return nullptr;
+    }
+    return static_cast<const BITMAPINFO*>(LockResource(LoadResource(shell.appInstance, resource)));
+}
+
+} // namespace
+
 void SetNamedColours()
 {
     const auto grey = [](int level) { return PALETTERGB(level, level, level); };
@@ -58,34 +84,8 @@ void SetNamedColours()
     colours.paleYellow = PALETTERGB(255, 255, 204);
     colours.tan = PALETTERGB(204, 154, 102);
     colours.olive = PALETTERGB(89, 122, 25);
+    shell.windowBackground = colours.grey192;
 }
-
-constexpr uint32_t startUpLanguage = KESTREL_LANGUAGE; // of the build; nothing changes it while the program runs
-
-void SetStartValues()
-{
-    const HINSTANCE instance = shell.appInstance;
-    shell = {};
-    shell.appInstance = instance;
-    shell.language = startUpLanguage;
-    view = {};
-    currentMap = {};
-    editing = {};
-    editing.gridColour = PALETTERGB(255, 0, 0);
-    editing.gridColourItem = 208; // the red grid
-    ReleaseSoundSlots();
-}
-
-const BITMAPINFO* FindBitmapResource(int number)
-{
-    const HRSRC resource = FindResourceA(shell.appInstance, MAKEINTRESOURCEA(number), RT_BITMAP);
-    if (resource == nullptr) {
-        return nullptr;
-    }
-    return static_cast<const BITMAPINFO*>(LockResource(LoadResource(shell.appInstance, resource)));
-}
-
-} // namespace
 
 int RegisterWindowClasses()
 {
@@ -131,7 +131,6 @@ void InitApplication()
     ForeColor(colours.black);
     BackColor(colours.white);
     view.viewRect = shell.mapWindow->portRect;
-    shell.windowBackground = colours.grey192;
     FillRectColor(&shell.mapWindow->portRect, shell.windowBackground);
     ShowWindowInactive(shell.mapWindow);
 

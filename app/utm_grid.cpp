@@ -93,7 +93,7 @@ void ToggleUTMCoordinates()
 
 void DrawUTMGrid()
 {
-    if (view.mapImage == nullptr || !MapWindowExists()) {
+    if (view.mapImage == nullptr) {
         return;
     }
     const SavedDrawing saved = BeginDrawing(view.mapImage);
@@ -103,7 +103,9 @@ void DrawUTMGrid()
     DrawEastings(currentMap.editableRect);
     DrawNorthings(currentMap.editableRect);
     EndDrawing(saved);
-    InvalidateMapRect(&shell.mapWindow->portRect);
+    if (MapWindowExists()) {
+        InvalidateMapRect(&shell.mapWindow->portRect);
+    }
 }
 
 void RedrawUTMGridIfShown()

@@ -52,7 +52,7 @@ void MarkFeatureCell(TerrainCell cell, const Rect& place, HBRUSH gridBrush)
     } else if (editing.noGoLevel == 0) {
         FillInView(place, gridBrush);
     } else {
-        DrawNoGoTile(shell.mapWindow, NoGoOf(cell), place, view.viewRect);
+        DrawNoGoTile(currentPort, NoGoOf(cell), place, view.viewRect);
     }
 }
 
@@ -64,22 +64,6 @@ bool IsFeatureMarked(TerrainCell cell, const TerrainRow* feature)
     }
     const int level = NoGoLevelOf(cell);
     return editing.noGoLevel != 0 && level != 0 && (editing.showAllNoGo || level == editing.noGoLevel);
-}
-
-void MarkVisibleFeatures()
-{
-    const HBRUSH gridBrush = CreateSolidBrush(editing.gridColour);
-    const TerrainRow* feature = FeatureOfTool(editing.featureTool);
-    const Rect& shown = view.viewRect;
-    for (int y = shown.top / cellSize; y < shown.bottom / cellSize; y++) {
-        for (int x = shown.left / cellSize; x < shown.right / cellSize; x++) {
-            const TerrainCell* cell = CellAt(x, y);
-            if (cell != nullptr && IsFeatureMarked(*cell, feature)) {
-                MarkFeatureCell(*cell, CellRect(x, y), gridBrush);
-            }
-        }
-    }
-    DeleteObject(gridBrush);
 }
 
 void MarkMoveCostCell(const Rect& place, HBRUSH brush)
@@ -136,23 +120,6 @@ void MarkMoveCostRow(int y, int x, int endX, const MoveCostBrushes& brushes)
     }
 }
 
-// Partly visible cells at the right and bottom are marked as well.
-void MarkVisibleMoveCosts()
-{
-    const MoveCostBrushes brushes = CreateShownBrushes();
-    const Rect& shown = view.viewRect;
-    const int endX = std::min<int>(shown.right / cellSize + 1, currentMap.record.columnCount);
-    const int endY = std::min<int>(shown.bottom / cellSize + 1, currentMap.record.rowCount);
-    for (int y = shown.top / cellSize; y < endY; y++) {
-        MarkMoveCostRow(y, shown.left / cellSize, endX, brushes);
-    }
-    for (const HBRUSH brush : brushes.ofCode) {
-        if (brush != nullptr) {
-            DeleteObject(brush);
-        }
-    }
-}
-
 void PaintOverlay(bool marksCells, void (*markVisibleCells)())
 {
     if (shell.mapWindow == nullptr || shell.mapWindow->window == nullptr) {
@@ -189,6 +156,39 @@ void DrawNoGoTile(WindowPtr port, const TerrainRow* noGo, const Rect& cell, cons
     Rect source = shown;
     OffsetRect(&source, noGo->tileLeft - cell.left, noGoTileTop - cell.top);
     CopyFromInterfaceBitmap(port, &source, &shown);
+}
+
+void MarkVisibleFeatures()
+{
+    const HBRUSH gridBrush = CreateSolidBrush(editing.gridColour);
+    const TerrainRow* feature = FeatureOfTool(editing.featureTool);
+    const Rect& shown = view.viewRect;
+    for (int y = shown.top / cellSize; y < shown.bottom / cellSize; y++) {
+        for (int x = shown.left / cellSize; x < shown.right / cellSize; x++) {
+            const TerrainCell* cell = CellAt(x, y);
+            if (cell != nullptr && IsFeatureMarked(*cell, feature)) {
+                MarkFeatureCell(*cell, CellRect(x, y), gridBrush);
+            }
+        }
+    }
+    DeleteObject(gridBrush);
+}
+
+// Partly visible cells at the right and bottom are marked as well.
+void MarkVisibleMoveCosts()
+{
+    const MoveCostBrushes brushes = CreateShownBrushes();
+    const Rect& shown = view.viewRect;
+    const int endX = std::min<int>(shown.right / cellSize + 1, currentMap.record.columnCount);
+    const int endY = std::min<int>(shown.bottom / cellSize + 1, currentMap.record.rowCount);
+    for (int y = shown.top / cellSize; y < endY; y++) {
+        MarkMoveCostRow(y, shown.left / cellSize, endX, brushes);
+    }
+    for (const HBRUSH brush : brushes.ofCode) {
+        if (brush != nullptr) {
+            DeleteObject(brush);
+        }
+    }
 }
 
 void PaintFeaturesOverlay()

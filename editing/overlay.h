@@ -6,6 +6,9 @@
 // Repaint the invalid part of the map window: a fresh copy of the map image, then the marks of the visible cells.
 void PaintFeaturesOverlay();
 void PaintMoveCostOverlay();
+// The marks alone, drawn into the current port, whose coordinates are map pixels, as far as view.viewRect reaches.
+void MarkVisibleFeatures();
+void MarkVisibleMoveCosts();
 // Draw one cell into the map window right after its word changed. Only inside the view.
 void DrawFeatureCellMark(int x, int y, bool wasSet);
 void DrawMoveCostCellMark(int x, int y);

@@ -34,20 +34,23 @@ char toldFailure[textBufferSize];
 
 } // namespace
 
+void AppendReason(char* text, DWORD reason)
+{
+    for (const ReasonRow& row : reasonRows) {
+        if (row.reason == reason) {
+            AppendText(text, row.text);
+            return;
+        }
+    }
+    AppendText(text, otherReasonText);
+    AppendNumber(text, static_cast<int32_t>(reason));
+    AppendText(text, ".");
+}
+
 void TellFailure(TextID failed, DWORD reason)
 {
     GetText(toldFailure, failed);
-    const size_t length = strlen(toldFailure);
-    for (const ReasonRow& row : reasonRows) {
-        if (row.reason == reason) {
-            AppendText(toldFailure, row.text);
-        }
-    }
-    if (strlen(toldFailure) == length) {
-        AppendText(toldFailure, otherReasonText);
-        AppendNumber(toldFailure, static_cast<int32_t>(reason));
-        AppendText(toldFailure, ".");
-    }
+    AppendReason(toldFailure, reason);
     SetStatusText(1, 0, 0, toldFailure);
     SystemBeep();
 }

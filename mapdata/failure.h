@@ -7,5 +7,7 @@
 
 // failed: a text that ends in a colon and a blank. reason: the system's error number.
 void TellFailure(TextID failed, DWORD reason);
+// The reason's sentence alone, behind a text.
+void AppendReason(char* text, DWORD reason);
 // A command begins: takes the last failure from the strip if it is still there.
 void ClearFailure();

@@ -35,5 +35,17 @@ void VersionDialog();
 // ---- save and quit ----
 
 int16_t SaveMap(bool confirm); // 0 when the file was written
-int AskSaveBeforeQuit();       // 1 Save, 2 No Save, 3 Cancel, 0 when the dialog could not be made
+
+// The steps of a save on the disk, in their order, without question and message. Each member is 0 or the system's
+// error number; without a required backup nothing is written.
+enum BackupRule { backupIfPossible, backupRequired, noBackup };
+struct SaveStatus {
+    DWORD backup = 0;
+    DWORD create = 0;
+    DWORD open = 0;
+    DWORD write = 0;
+};
+SaveStatus WriteMapFiles(BackupRule rule);
+
+int AskSaveBeforeQuit(); // 1 Save, 2 No Save, 3 Cancel, 0 when the dialog could not be made
 void QuitCommand();

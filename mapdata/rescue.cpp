@@ -180,13 +180,6 @@ void AdoptCopy(const char* name)
     }
 }
 
-bool FileIsUnchanged(const RescueRecord& copy)
-{
-    const FileIdentity& now = rescue.identity;
-    return copy.file.exists == now.exists &&
-           (!now.exists || (copy.file.size == now.size && copy.file.time == now.time && copy.file.hash == now.hash));
-}
-
 enum DataFileState { unreadableFile, shortFile, wholeFile };
 
 // Overwrites mapBytes.
@@ -273,7 +266,8 @@ void OfferRescueCopy()
     // Nobody replaces a file by a short one: a save broke off, and on a full disk it could not even be noted.
     const bool brokeOff = copy.saving || StateOfDataFile(path) != wholeFile;
     const int32_t count = ReadCopy(copy, &record, &cellStart);
-    const bool usable = count != 0 && SameGrid(record, currentMap.record) && (brokeOff || FileIsUnchanged(copy));
+    const bool usable =
+        count != 0 && SameGrid(record, currentMap.record) && (brokeOff || SameIdentity(copy.file, rescue.identity));
     const bool use = usable && AskToUse(copy);
     if (shell.quitRequested && usable) {
         return; // not answered: the next program asks again

@@ -452,6 +452,39 @@ bool FindRescueCopy(const char* path, RescueRecord* record)
     return isFound;
 }
 
+std::vector<FoundRescueCopy> AllRescueCopies()
+{
+    std::vector<FoundRescueCopy> copies;
+    PathBuffer folder;
+    PathBuffer aside;
+    if (!RescueFolder(folder) || !Joined(aside, folder, asideFolder, "")) {
+        return copies;
+    }
+    ForEachRecord(folder, [&](const char* name) {
+        RescueRecord record;
+        if (ReadRecord(folder, name, &record)) {
+            copies.push_back({record, IsOwned(name), false});
+        }
+    });
+    ForEachRecord(aside, [&](const char* name) {
+        RescueRecord record;
+        PathBuffer whole;
+        if (ReadRecord(aside, name, &record) && Joined(whole, asideFolder, name, "") &&
+            strlen(whole) < sizeof record.name) {
+            strcpy(record.name, whole);
+            copies.push_back({record, false, true});
+        }
+    });
+    return copies;
+}
+
+bool SameIdentity(const FileIdentity& first, const FileIdentity& second)
+{
+    return first.exists == second.exists &&
+           (first.exists == 0 ||
+            (first.size == second.size && first.time == second.time && first.hash == second.hash));
+}
+
 void FormatRescueTime(const RescueRecord& record, char* text)
 {
     const FILETIME time = {static_cast<DWORD>(record.copyTime), static_cast<DWORD>(record.copyTime >> 32)};

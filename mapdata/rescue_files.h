@@ -4,6 +4,8 @@
 
 #include "mapdata/rescue.h"
 
+#include <vector>
+
 constexpr int rescueNameSize = 96; // of a copy's name, without folder and extension
 
 // What the record of a copy says.
@@ -38,5 +40,13 @@ void PutRescueCopyAside(const RescueRecord& record);
 // The newest copy of the map at that path, as mapPath or as targetPath, that no running program owns; older ones of
 // it are put aside. False when there is none.
 bool FindRescueCopy(const char* path, RescueRecord* record);
+// Every copy there is, also of programs that run and those put aside, whose names begin with their folder's.
+struct FoundRescueCopy {
+    RescueRecord record;
+    bool isOwned;
+    bool isAside;
+};
+std::vector<FoundRescueCopy> AllRescueCopies();
+bool SameIdentity(const FileIdentity& first, const FileIdentity& second);
 // "2026-04-05 16:30", local time.
 void FormatRescueTime(const RescueRecord& record, char* text);

@@ -75,6 +75,39 @@ enum QuitAnswer { saveAnswer = 1, noSaveAnswer = 2, cancelAnswer = 3 };
 
 } // namespace
 
+SaveStatus WriteMapFiles(BackupRule rule)
+{
+    CloseMapDataFile();
+    SaveStatus status;
+    FileProtection protection;
+    if (currentMap.record.mapID == currentMap.loadedMapID) {
+        ReadFileProtection(&currentMap.dataFileSpec, &protection);
+        status.backup = rule != noBackup ? static_cast<DWORD>(MakeBackup()) : 0;
+        if (status.backup != 0 && rule == backupRequired) {
+            return status;
+        }
+    } else {
+        DataFileNameForID(currentMap.record.mapID, currentMap.dataFileSpec.name);
+        currentMap.ownFileSpec = currentMap.dataFileSpec;
+        ReadFileProtection(&currentMap.dataFileSpec, &protection);
+    }
+    status.create = static_cast<DWORD>(CreateTarget());
+    if (status.create != 0) {
+        return status;
+    }
+    status.open = static_cast<DWORD>(OpenFileSpec(&currentMap.dataFileSpec, &currentMap.openDataFile));
+    if (status.open != 0) {
+        return status;
+    }
+    SetFileProtection(&currentMap.dataFileSpec, &protection); // before there is anything to read
+    if (WriteMapData(currentMap.openDataFile) != 0) {
+        const DWORD reason = GetLastError();
+        status.write = reason != 0 ? reason : ERROR_GEN_FAILURE;
+    }
+    CloseMapDataFile();
+    return status;
+}
+
 int16_t SaveMap(bool confirm)
 {
     if (confirm && !YesNoAlert(240, 100, saveQuestionText)) {
@@ -86,38 +119,19 @@ int16_t SaveMap(bool confirm)
         return 1;
     }
     NoteSavingBegins();
-    CloseMapDataFile();
-    FileProtection protection;
-    int16_t backupStatus = 0;
-    if (currentMap.record.mapID == currentMap.loadedMapID) {
-        ReadFileProtection(&currentMap.dataFileSpec, &protection);
-        backupStatus = MakeBackup();
-    } else {
-        DataFileNameForID(currentMap.record.mapID, currentMap.dataFileSpec.name);
-        currentMap.ownFileSpec = currentMap.dataFileSpec;
-        ReadFileProtection(&currentMap.dataFileSpec, &protection);
-    }
-    const int16_t createStatus = CreateTarget();
-    if (createStatus != 0) {
-        TellFailure(saveFailedText, static_cast<DWORD>(createStatus));
-        return 1;
-    }
-    if (OpenFileSpec(&currentMap.dataFileSpec, &currentMap.openDataFile) != 0) {
+    const SaveStatus status = WriteMapFiles(backupIfPossible);
+    if (status.open != 0) {
         MessageAlert(0, 0, alertSound, newFileNotOpenedText);
         return 1;
     }
-    SetFileProtection(&currentMap.dataFileSpec, &protection); // before there is anything to read
-    const int16_t status = WriteMapData(currentMap.openDataFile);
-    const DWORD reason = GetLastError();
-    CloseMapDataFile();
-    if (status != 0) {
+    if (const DWORD reason = status.create != 0 ? status.create : status.write; reason != 0) {
         TellFailure(saveFailedText, reason);
-        return status;
+        return 1;
     }
     currentMap.mapModified = 0;
     NoteMapSaved();
-    if (backupStatus != 0) {
-        TellFailure(noBackupText, static_cast<DWORD>(backupStatus));
+    if (status.backup != 0) {
+        TellFailure(noBackupText, status.backup);
     }
     return 0;
 }
