@@ -3,7 +3,6 @@
 #include "companion/map_data.h"
 
 #include <algorithm>
-#include <cctype>
 #include <map>
 #include <nlohmann/json.hpp>
 
@@ -47,14 +46,6 @@ std::vector<TerrainShare> SharesOf(const MapData& map)
         }
     }
     return shares;
-}
-
-// A text from a file must not steer the terminal.
-std::string Printable(std::string text)
-{
-    std::replace_if(
-        text.begin(), text.end(), [](char next) { return iscntrl(static_cast<unsigned char>(next)); }, '?');
-    return text;
 }
 
 constexpr struct {

@@ -1,6 +1,7 @@
 #include "companion/report.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -153,4 +154,11 @@ std::string Count(long count, const char* one, const char* many)
 std::string Coloured(const Report& report, const char* colour, const std::string& text)
 {
     return report.outIsTerminal ? std::string("\033[") + colour + "m" + text + "\033[0m" : text;
+}
+
+std::string Printable(std::string text)
+{
+    std::replace_if(
+        text.begin(), text.end(), [](char next) { return iscntrl(static_cast<unsigned char>(next)); }, '?');
+    return text;
 }

@@ -43,3 +43,5 @@ std::string Coloured(const Report& report, const char* colour, const std::string
 constexpr char redColour[] = "31";
 constexpr char greenColour[] = "32";
 constexpr char boldColour[] = "1";
+// A text from a file must not steer the terminal.
+std::string Printable(std::string text);
