@@ -12,3 +12,5 @@ std::string FuzzMapData(const uint8_t* bytes, size_t size);
 std::string FuzzBitmap(const uint8_t* bytes, size_t size);
 // The input is what a user does: the program runs on the headless host from its start to its end.
 std::string FuzzSession(const uint8_t* bytes, size_t size);
+// The input is a map as text for other programs: what is read of it is written and read again, and stays the same.
+std::string FuzzImport(const uint8_t* bytes, size_t size);

@@ -43,3 +43,8 @@ TEST(FuzzReplay, SessionsFindNoFault)
 {
     Replay("session", FuzzSession, 50);
 }
+
+TEST(FuzzReplay, ImportInputsFindNoFault)
+{
+    Replay("import", FuzzImport, 8);
+}

@@ -2,6 +2,7 @@
 """Makes the fuzzers' first inputs in fuzz/corpus/. The same files come out every time. Inputs that once showed a fault
 lie beside them under names of their own and are not touched."""
 
+import re
 import struct
 from pathlib import Path
 
@@ -153,9 +154,36 @@ def make_session_seeds():
     session("grow", 0x08, 30, (RESIZE, 90, 60), *grow, (DOWN, ALT), *stroke((40, 10), (90, 90)), (UP, ALT))
 
 
+# ---- maps as text ----
+
+
+def make_import_seeds():
+    source = (CORPUS.parent.parent / "companion" / "map_data.cpp").read_text(encoding="utf-8")
+    names = re.findall(r'^    "([\w.]+)",$', source, re.M)
+    values = struct.unpack("<28h", map_file(3, 2)[:56])
+    fields = "".join(f"{name},{value}\n" for name, value in zip(names, values))
+    titles = "column,row,cost,noGo,hilow,woods,town,road,misclosblock,free\n"
+    cells = "".join(f"{x},{y},{x},{y},1,0,1,0,0,{x + 20}\n" for y in range(2) for x in range(2)) + "2,0,6,4,0,0,0,0,0,0\n"
+    text = 'mapText,"A ""text"", of\ntwo lines"\n'
+    whole = fields + text + titles + cells + "2,1,31,7,0,0,0,0,0,21\n"
+    for name, seed in (
+        ("csv_whole", "field,value\n" + whole),
+        ("csv_returns", whole.replace("\n", "\r\n")),
+        ("csv_missing_cell", fields + text + titles + cells),
+        ("csv_open_quote", fields + text[:-2]),
+        ("csv_no_cells", fields + text + titles),
+    ):
+        store("import", name, b"c" + seed.encode())
+    members = ", ".join(f'"{name}": {value}' for name, value in zip(names, values))
+    json = '{"fields": {%s, "mapText": "\\u00fc"}, "cells": [[1, 2, 3], [4, 5, %s]]}'
+    for name, last in (("json_whole", "65535"), ("json_large_word", "65536"), ("json_no_number", "[{}]")):
+        store("import", name, b"j" + (json % (members, last)).encode())
+
+
 if __name__ == "__main__":
     make_map_seeds()
     make_bitmap_seeds()
     make_session_seeds()
+    make_import_seeds()
     sizes = [path.stat().st_size for path in CORPUS.rglob("*") if path.is_file()]
     print(f"{len(sizes)} inputs, {sum(sizes)} bytes")

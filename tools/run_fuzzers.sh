@@ -6,7 +6,7 @@ set -u
 cd "$(dirname "$0")/.."
 root=$(pwd)
 status=0
-[ $# -gt 0 ] || set -- map_data bitmap session
+[ $# -gt 0 ] || set -- map_data bitmap session import
 [ ! -w /dev/shm ] || export TMPDIR=/dev/shm
 for name in "$@"; do
     gathered=$root/build-fuzz/corpus/$name
