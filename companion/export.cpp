@@ -26,9 +26,9 @@ std::string AscOf(const MapData& map, const std::function<int(TerrainCell)>& val
                        "\ncellsize " + std::to_string(cellSize * metresPerPixel) + "\nNODATA_value -9999\n";
     for (int y = 0; y < record.rowCount; y++) {
         for (int x = 0; x < record.columnCount; x++) {
-            text += (x == 0 ? "" : " ") + std::to_string(valueOf(CellOf(map, x, y)));
+            text += std::to_string(valueOf(CellOf(map, x, y)));
+            text += x + 1 < record.columnCount ? ' ' : '\n';
         }
-        text += "\n";
     }
     return text;
 }

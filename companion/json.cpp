@@ -64,7 +64,8 @@ std::string JsonTextOf(const MapData& map)
     std::string text = "{\n\"fields\": " + fields.dump(1) + ",\n\"cells\": [\n";
     for (int y = 0; y < record.rowCount; y++) { // a line for each row, so that versions compare well
         for (int x = 0; x < record.columnCount; x++) {
-            text += (x == 0 ? "[" : ",") + std::to_string(CellOf(map, x, y));
+            text += x == 0 ? '[' : ',';
+            text += std::to_string(CellOf(map, x, y));
         }
         text += y + 1 < record.rowCount ? "],\n" : "]\n";
     }

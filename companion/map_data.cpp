@@ -159,7 +159,7 @@ std::string TerrainKey(const TerrainRow& row)
         return std::to_string(&row - TerrainRows(noGoTerrain).data() + 1);
     }
     char name[textBufferSize];
-    GetText(name, row.toolText);
+    GetIndStringRaw(name, ListOf(row.toolText), IndexOf(row.toolText)); // the English text, whatever the language
     std::string key;
     for (const char* next = name; *next != 0; next++) {
         if (isalnum(static_cast<unsigned char>(*next)) != 0) {
