@@ -112,7 +112,9 @@ std::string TextOf(const Report& report, const std::string& file, const MapData&
         percent.insert(0, percent.size() < 9 ? 9 - percent.size() : 0, ' ');
         std::string name = (isNamed ? labels[share.group] : "") + share.name;
         name.resize(std::max<size_t>(name.size(), 14), ' ');
-        text += "  " + name + cells + percent + "\n";
+        for (const std::string& part : {std::string("  "), name, cells, percent, std::string("\n")}) {
+            text += part;
+        }
     }
     return text;
 }

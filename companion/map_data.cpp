@@ -19,9 +19,9 @@ namespace {
 
 std::vector<TerrainCell*> ColumnsOf(MapData* map)
 {
-    std::vector<TerrainCell*> columns;
+    std::vector<TerrainCell*> columns(static_cast<size_t>(map->record.columnCount));
     for (int x = 0; x < map->record.columnCount; x++) {
-        columns.push_back(&CellOf(map, x, 0));
+        columns[static_cast<size_t>(x)] = &CellOf(map, x, 0);
     }
     return columns;
 }

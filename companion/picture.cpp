@@ -73,8 +73,10 @@ std::string ComposeImage(const PictureOptions& options, const std::string& artPa
     const SavedPort saved = UsePort(view.mapImage);
     view.viewRect = options.area;
     view.utmGridMode = static_cast<int8_t>(options.gridMode);
-    FillRectColor(&image, shell.windowBackground);
     const bool hasArt = !artPath.empty() && LoadMapArt() == 0;
+    if (!hasArt) {
+        FillRectColor(&image, shell.windowBackground);
+    }
     if (options.view == analysisView) {
         RenderTerrainAnalysis();
     } else {
@@ -95,10 +97,8 @@ std::string ComposeImage(const PictureOptions& options, const std::string& artPa
 // Copies the area out of the map image.
 bool TakePicture(const Rect& area, Picture* picture)
 {
-    picture->width = area.right - area.left;
-    picture->height = area.bottom - area.top;
-    picture->pixels.resize(static_cast<size_t>(picture->width) * static_cast<size_t>(picture->height));
-    Surface surface = {picture->pixels.data(), picture->width, picture->height, picture->width, {}};
+    SizePicture(picture, area.right - area.left, area.bottom - area.top);
+    Surface surface = {picture->pixels.get(), picture->width, picture->height, picture->width, {}};
     const HDC dc = CreateSurfaceDC(&surface);
     const bool copied =
         BitBlt(dc, 0, 0, picture->width, picture->height, view.mapImage->dc, area.left, area.top, SRCCOPY) != FALSE;
@@ -107,6 +107,13 @@ bool TakePicture(const Rect& area, Picture* picture)
 }
 
 } // namespace
+
+void SizePicture(Picture* picture, int width, int height)
+{
+    picture->width = width;
+    picture->height = height;
+    picture->pixels.reset(new uint32_t[static_cast<size_t>(width) * static_cast<size_t>(height)]);
+}
 
 Rect WholeMap(const MapData& map)
 {
@@ -182,18 +189,14 @@ uint32_t AverageOf(const Picture& picture, int left, int top, int side)
 
 Picture Scaled(const Picture& picture, int times)
 {
-    if (times == 1 || times == -1) {
-        return picture;
-    }
     Picture scaled;
     const int part = std::max(1, -times);
     const int whole = std::max(1, times);
-    scaled.width = (picture.width * whole + part - 1) / part;
-    scaled.height = (picture.height * whole + part - 1) / part;
-    scaled.pixels.reserve(static_cast<size_t>(scaled.width) * static_cast<size_t>(scaled.height));
+    SizePicture(&scaled, (picture.width * whole + part - 1) / part, (picture.height * whole + part - 1) / part);
+    uint32_t* next = scaled.pixels.get();
     for (int y = 0; y < scaled.height; y++) {
         for (int x = 0; x < scaled.width; x++) {
-            scaled.pixels.push_back(AverageOf(picture, x * part / whole, y * part / whole, part));
+            *next++ = AverageOf(picture, x * part / whole, y * part / whole, part);
         }
     }
     return scaled;

@@ -3,10 +3,12 @@
 
 #include "companion/map_data.h"
 
+#include <memory>
+
 struct Picture {
     int width = 0;
     int height = 0;
-    std::vector<uint32_t> pixels; // 0x00RRGGBB, row by row from the top
+    std::unique_ptr<uint32_t[]> pixels; // 0x00RRGGBB, row by row from the top
 };
 
 enum MapView { artView, featuresView, costsView, analysisView };
@@ -20,6 +22,9 @@ struct PictureOptions {
     Rect area = {};                             // map pixels; what a window that shows this part would show
     const std::vector<Point>* framed = nullptr; // cells that get a red frame
 };
+
+// Room for the pixels, whatever they hold.
+void SizePicture(Picture* picture, int width, int height);
 
 Rect WholeMap(const MapData& map);
 // The path of the art that belongs to a data file; empty when there is none.

@@ -106,7 +106,10 @@ int RunRender(const RenderOptions& options, Report* report)
     if (!DrawMap(report, map, art, wanted, &picture)) {
         return statusFailed;
     }
-    if (!EncodePng(times == 1 ? picture : Scaled(picture, times), &bytes, &fault)) {
+    if (times != 1) {
+        picture = Scaled(picture, times);
+    }
+    if (!EncodePng(picture, &bytes, &fault)) {
         return Fail(report, options.output, "cannot be made: " + fault);
     }
     return WriteOutput(report, {{options.output, bytes}}) ? statusFine : statusFailed;

@@ -44,9 +44,10 @@ passes_lintian() {
 }
 
 # Everything that the formatter has to say is on its standard error.
-man_page_is_clean() {
-    complaints=$(LC_ALL=C.UTF-8 MANROFFSEQ='' MANWIDTH=80 man --warnings -l "$share/man/man1/kestrel-map-tool.1.gz" \
-        2>&1 >/dev/null)
+man_pages_are_clean() {
+    complaints=$(for page in kestrel-map-tool kestrel-map; do
+        LC_ALL=C.UTF-8 MANROFFSEQ='' MANWIDTH=80 man --warnings -l "$share/man/man1/$page.1.gz" 2>&1 >/dev/null
+    done)
     [ -z "$complaints" ] || { echo "$complaints"; false; }
 }
 
@@ -58,7 +59,7 @@ control_is_complete() {
     for name in Package Version Architecture Maintainer Section Priority Installed-Size Depends Description; do
         [ -n "$(field $name)" ] || { echo "no $name"; return 1; }
     done
-    for needed in libc6 libqt6widgets6 libfreetype6 libpulse0 libxcb1 fonts-liberation; do
+    for needed in libc6 libqt6widgets6 libfreetype6 libpng16-16 libpulse0 libxcb1 fonts-liberation; do
         depends_on $needed || return 1
     done
 }
@@ -93,6 +94,20 @@ program_is_stripped() {
     file -b "$private/kestrel-map-tool" | grep -q ', stripped'
 }
 
+# Every command of its help is in its manual page, and bash completes it.
+companion_is_complete() {
+    program=$root/usr/bin/kestrel-map
+    "$program" --version >/dev/null || return 1
+    for command in $("$program" --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]*\) .*/\1/p'); do
+        zgrep -q "kestrel-map $command" "$share/man/man1/kestrel-map.1.gz" || { echo "no $command in the page"; return 1; }
+        # shellcheck disable=SC2016 # for the shell that completes
+        bash -c '. "$1"; COMP_WORDS=(kestrel-map "$2"); COMP_CWORD=1; _kestrel_map kestrel-map "$2" kestrel-map
+            [ "${COMPREPLY[0]}" = "$2" ]' sh "$share/bash-completion/completions/kestrel-map" "$command" ||
+            { echo "no completion of $command"; return 1; }
+    done
+    ! ldd "$program" | grep -q 'libQt\|libpulse\|libxcb'
+}
+
 samples_are_pairs() {
     for number in 101 102 103; do
         for type in bmp dat; do
@@ -123,7 +138,8 @@ check "the launcher starts the program among the documents" launcher_starts_amon
 check "the metadata is valid" appstreamcli validate --no-net --no-color "$metainfo"
 check "the installed tree fits its metadata" appstreamcli validate-tree --no-net --no-color "$root"
 check "the metadata names menu entry and version" metadata_names_menu_entry
-check "the manual page is clean" man_page_is_clean
+check "the manual pages are clean" man_pages_are_clean
+check "the companion runs and names its commands everywhere" companion_is_complete
 check "the icons have their sizes" icons_have_their_sizes
 check "the guide lies beside the program" guide_lies_beside_program
 check "the program is stripped" program_is_stripped

@@ -14,7 +14,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 # A truth value kept in an int is plain C, as the Windows API has it; a pointer taken for a truth value is not ours.
 TRUTH_IN_INT = re.compile(r"implicit conversion (?!.*\*'\)? -> ).*\[readability-implicit-bool-conversion")
-FOLDERS = ("platform", "toolbox", "dialogs", "mapdata", "editing", "app", "samples")
+FOLDERS = ("platform", "toolbox", "dialogs", "mapdata", "editing", "app", "companion", "samples")
 
 
 def sources(build):
