@@ -163,7 +163,8 @@ struct Host {
     // Runs the file dialog to its end; 1 and the path when a file was chosen, 0 when cancelled. The end of the
     // session cancels it.
     int (*chooseFile)(const HostFileRequest* request, char* path, int size);
-    // Plays a RIFF WAVE file in memory to its end; returns at once where there is no device.
+    // Plays a RIFF WAVE file in memory to its end, which may be heard a little after the call has returned; at once
+    // where there is no device.
     void (*playSound)(const uint8_t* wave, uint32_t size);
     void (*beep)();
     // Hands a document to the desktop's opener; 0 when an opener was started.

@@ -1,4 +1,4 @@
-// Sounds: "WAVE" resources, played to their end.
+// Sounds: "WAVE" resources, played to their end, which the system's sound server may reach a little after the call.
 #include "platform/api/gdi.h"
 #include "platform/api/kernel.h"
 #include "platform/api/shell.h"
@@ -11,7 +11,7 @@ BOOL WINAPI PlaySoundA(LPCSTR name, HMODULE module, DWORD flags)
         return FALSE;
     }
     if (name == nullptr) {
-        return TRUE; // every sound has ended before its call returned
+        return TRUE; // what still sounds has been played: the server holds the rest, and alerts follow one another
     }
     if ((flags & SND_RESOURCE) != SND_RESOURCE) {
         return FALSE;

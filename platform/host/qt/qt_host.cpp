@@ -134,6 +134,7 @@ void Stop()
         return;
     }
     UnwatchSession();
+    FinishSounds();
     application->disconnect();
     DestroyOutline();
     while (!windows.empty()) {
