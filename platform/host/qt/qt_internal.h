@@ -102,6 +102,9 @@ HostWindow* WindowAt(int x, int y);
 // ---- qt_keys.cpp ----
 
 void QueueKey(Window* window, const QKeyEvent* event);
+// Qt's key; with Control, Alt or Super on a keyboard that has no Latin letters the letter that others have in its
+// place.
+int CommandKeyOf(const QKeyEvent* event);
 // Queues the releases of all keys that are down, for when their real releases will go elsewhere.
 void ReleaseHeldKeys();
 unsigned HostModifiersOf(Qt::KeyboardModifiers modifiers);

@@ -2,6 +2,8 @@
 #include "platform/host/qt/qt_internal.h"
 #include "platform/host/qt/qt_server.h"
 
+#include <string_view>
+
 namespace qthost {
 namespace {
 
@@ -57,6 +59,12 @@ constexpr KeyRow keypadTable[] = {
 
 constexpr int firstDigitScanCode = 10; // the X11 code of the key "1", followed by "2" to "9" and "0"
 
+// The places of the letters on a keyboard, each row from the X11 code of its first key.
+constexpr struct {
+    unsigned firstScanCode;
+    std::string_view letters;
+} letterRows[] = {{24, "QWERTYUIOP"}, {38, "ASDFGHJKL"}, {52, "ZXCVBNM"}};
+
 int heldKeys[256]; // virtual key by scan code, 0 for up
 const Window* heldIn = nullptr;
 
@@ -72,7 +80,7 @@ int Find(const KeyRow* rows, size_t count, int qtKey)
 
 int VirtualKeyOf(const QKeyEvent* event)
 {
-    const int key = event->key();
+    const int key = CommandKeyOf(event);
     if (event->modifiers() & Qt::KeypadModifier) {
         if (key >= Qt::Key_0 && key <= Qt::Key_9) {
             return keyNumpad0 + key - Qt::Key_0;
@@ -168,6 +176,22 @@ unsigned HostModifiersOf(Qt::KeyboardModifiers modifiers)
         result |= hostAlt;
     }
     return result;
+}
+
+int CommandKeyOf(const QKeyEvent* event)
+{
+    const int key = event->key();
+    const bool isLetter = key >= Qt::Key_A && key <= Qt::Key_Z;
+    if (isLetter || !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))) {
+        return key;
+    }
+    for (const auto& row : letterRows) {
+        const unsigned place = event->nativeScanCode() - row.firstScanCode;
+        if (place < row.letters.size() && !LayoutHasLatinLetters(event->nativeModifiers())) {
+            return row.letters[place];
+        }
+    }
+    return key;
 }
 
 void QueueKey(Window* window, const QKeyEvent* event)

@@ -84,15 +84,15 @@ void BuildMenu(HostWindow* handle, const HostMenuItem* items, int count)
 bool OpenMenuWithKey(const QKeyEvent* event)
 {
     const bool first = event->key() == Qt::Key_F10 && event->modifiers() == Qt::NoModifier;
-    const bool letter =
-        event->modifiers() == Qt::AltModifier && event->key() >= Qt::Key_A && event->key() <= Qt::Key_Z;
+    const int key = CommandKeyOf(event);
+    const bool letter = event->modifiers() == Qt::AltModifier && key >= Qt::Key_A && key <= Qt::Key_Z;
     if ((!first && !letter) || event->isAutoRepeat()) {
         return false;
     }
     for (const Window* window : windows) {
         for (const QMenu* menu : window->menus) {
             QAction* title = menu->menuAction();
-            if (title->isEnabled() && (first || menu->title().startsWith(QChar(event->key()), Qt::CaseInsensitive))) {
+            if (title->isEnabled() && (first || menu->title().startsWith(QChar(key), Qt::CaseInsensitive))) {
                 window->menuBar->setActiveAction(title);
                 return true;
             }

@@ -104,6 +104,32 @@ bool KeyIsDown(unsigned scanCode)
     return reply && (reply->keys[scanCode / 8 % 32] >> scanCode % 8 & 1);
 }
 
+bool LayoutHasLatinLetters(unsigned state)
+{
+    constexpr xcb_keysym_t firstLetter = 'a';
+    constexpr xcb_keysym_t lastLetter = 'z';
+    const int group = state >> 13 & 3;
+    const xcb_setup_t* setup = server != nullptr ? xcb_get_setup(server) : nullptr;
+    if (setup == nullptr || group > 1) {
+        return true; // of the later layouts the core protocol tells nothing
+    }
+    const uint8_t keys = static_cast<uint8_t>(setup->max_keycode - setup->min_keycode + 1);
+    const ReplyOf<xcb_get_keyboard_mapping_reply_t> reply(
+        xcb_get_keyboard_mapping_reply(server, xcb_get_keyboard_mapping(server, setup->min_keycode, keys), nullptr));
+    if (!reply) {
+        return true;
+    }
+    // A key has two meanings in the first layout, then two in the second.
+    const xcb_keysym_t* meanings = xcb_get_keyboard_mapping_keysyms(reply.get());
+    const int count = xcb_get_keyboard_mapping_keysyms_length(reply.get());
+    for (int i = 2 * group; i < count; i += std::max<int>(reply->keysyms_per_keycode, 1)) {
+        if (meanings[i] >= firstLetter && meanings[i] <= lastLetter) {
+            return true;
+        }
+    }
+    return false;
+}
+
 bool WarpServerPointer(int x, int y)
 {
     if (server == nullptr) {

@@ -23,6 +23,8 @@ bool DisplayIsLost();
 bool QueryServerPointer(ServerPointer* pointer);
 // Whether the key with this X11 code is down now.
 bool KeyIsDown(unsigned scanCode);
+// Whether the layout that this key event's state names has any; true when unknown.
+bool LayoutHasLatinLetters(unsigned state);
 // False where there is no X server. The query after it sees the pointer there.
 bool WarpServerPointer(int x, int y);
 // Where the window's top-left pixel is on the screen, in the server's pixels.
