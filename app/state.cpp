@@ -1,6 +1,7 @@
 // All state of the program on one page. A test resets a record by assigning it a fresh one.
 //
 // Named here but kept in one file each, because no other may read it and it means nothing from one use to the next:
+//   toolbox/events.cpp         the time of the last message
 //   toolbox/pointer_trail.cpp  the press that is being followed
 //   toolbox/windows.cpp        the paint record between BeginUpdate and EndUpdate
 //   toolbox/sounds.cpp         the sound slots, all empty

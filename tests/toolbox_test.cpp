@@ -63,6 +63,35 @@ class ToolboxTest : public StartedProgram {
 
 // ---- events ----
 
+TEST_F(ToolboxTest, LoopsWaitLongerOnlyWhileNothingHappensAndNothingIsPolled)
+{
+    static int longest;
+    Host listening = headlessHost;
+    listening.pump = [](int wait) {
+        longest = std::max(longest, wait);
+        headlessHost.pump(wait);
+    };
+    host = &listening;
+    const auto longestWait = [](int turns) {
+        longest = 0;
+        for (int i = 0; i < turns; i++) {
+            WaitNextEvent(everyEvent, &currentEvent, 0, nullptr);
+        }
+        return longest;
+    };
+    ScriptKey(VK_F8);
+    EXPECT_EQ(longestWait(20), 10);
+    EXPECT_EQ(longestWait(40), 200);
+    ScriptKey(VK_F8, 50);
+    const uint32_t before = GetTickCount();
+    EXPECT_EQ(WaitNextEvent(everyEvent, &currentEvent, 0, nullptr), keyDown);
+    EXPECT_EQ(GetTickCount() - before, 50U) << "an event ends the wait";
+    EXPECT_EQ(longestWait(20), 10);
+    shell.cursorReadoutOn = 1;
+    EXPECT_EQ(longestWait(60), 10);
+    host = &headlessHost;
+}
+
 TEST_F(ToolboxTest, KeysArriveAsTheirMessages)
 {
     const struct {

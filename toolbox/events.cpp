@@ -14,6 +14,18 @@ void KeyEvent(EventRecord* event, int32_t mask);
 void SystemKeyReleased(EventRecord* event);
 void CommandEvent(EventRecord* event);
 
+uint32_t lastMessageTime;
+
+// With nothing to do for a while the loops turn a few times a second, which is as fast as a dialog needs to be back
+// on top. The read-out follows the pointer, which tells nothing while it is outside the program's windows.
+bool StaysQuiet()
+{
+    constexpr int32_t quietAfter = 300;
+    constexpr DWORD quietWait = 200;
+    return !shell.cursorReadoutOn && static_cast<int32_t>(GetTickCount() - lastMessageTime) >= quietAfter &&
+           MsgWaitForMultipleObjectsEx(0, nullptr, quietWait, QS_ALLINPUT, MWMO_INPUTAVAILABLE) == WAIT_TIMEOUT;
+}
+
 } // namespace
 
 int32_t WaitNextEvent(int32_t mask, EventRecord* event, uint32_t, HRGN mouseRegion)
@@ -21,10 +33,11 @@ int32_t WaitNextEvent(int32_t mask, EventRecord* event, uint32_t, HRGN mouseRegi
     KeepRescueCopy();
     *event = {};
     MSG& message = event->platformMessage;
-    if (!PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+    if (StaysQuiet() || !PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
         message = {};
         return nullEvent;
     }
+    lastMessageTime = GetTickCount();
     event->where = PointFrom(message.pt);
     event->when = GetTickCount();
     // The bars track the pointer themselves and report scrolling to the map window's procedure.

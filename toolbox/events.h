@@ -44,8 +44,10 @@ struct EventRecord {
 // The program-wide current event, which FindWindow and MenuSelect read.
 extern EventRecord currentEvent;
 
-// Fills the record and returns its code. mask: only mDownMask, mUpMask and keyDownMask are looked at. sleep is not
-// used. A mouse region (screen coordinates) makes moves outside it events.
+// Fills the record and returns its code; 0 when nothing happened, after a wait of a hundredth of a second, or of a
+// fifth when nothing had for a while and nothing is polled; what happens ends the wait. mask: only mDownMask, mUpMask
+// and keyDownMask are looked at. sleep is not used. A mouse region (screen coordinates) makes moves outside it
+// events.
 int32_t WaitNextEvent(int32_t mask, EventRecord* event, uint32_t sleep, HRGN mouseRegion);
 uint32_t TickCount(); // sixtieths of a second
 

@@ -66,6 +66,17 @@ typedef struct tagMSG {
 // an update region; it comes again until the region is validated. What Windows sends rather than posts (sizes,
 // activation, scrolling, close requests) reaches the window procedures from inside this call.
 BOOL WINAPI PeekMessageA(LPMSG message, HWND window, UINT first, UINT last, UINT remove);
+
+#define QS_ALLINPUT 0x04FF
+#define MWMO_INPUTAVAILABLE 0x0004
+#define WAIT_OBJECT_0 0
+#define WAIT_TIMEOUT 258
+#define WAIT_FAILED 0xFFFFFFFF
+
+// Waits until a message is there, a WM_PAINT among them, or the time is over. Only without handles, with QS_ALLINPUT
+// and MWMO_INPUTAVAILABLE; anything else fails.
+DWORD WINAPI MsgWaitForMultipleObjectsEx(DWORD count, const HANDLE* handles, DWORD milliseconds, DWORD wakeMask,
+                                         DWORD flags);
 LRESULT WINAPI DispatchMessageA(const MSG* message);
 // Posts the WM_CHAR (WM_SYSCHAR) of a key that has a character, ahead of all input. Departs from Windows, where it is
 // TRUE for every key-down message: TRUE only when it posted a WM_CHAR. Bits 16 to 23 of a key message's lParam, the

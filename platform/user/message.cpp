@@ -106,6 +106,11 @@ void SendPlacement(HWND handle, const WINDOWPOS& position)
     }
 }
 
+bool MessageWaits()
+{
+    return user.sessionEnds || !user.posted.empty() || !user.input.empty() || WindowToPaint(nullptr) != nullptr;
+}
+
 BOOL Given()
 {
     user.limitsMayDiffer = true;
@@ -141,6 +146,18 @@ BOOL WINAPI PeekMessageA(LPMSG message, HWND window, UINT first, UINT last, UINT
     PresentAll();
     CollectEvents(idleWaitMilliseconds);
     return TakeQueued(filter, take, message) || MakePaint(filter, message) ? Given() : FALSE;
+}
+
+DWORD WINAPI MsgWaitForMultipleObjectsEx(DWORD count, const HANDLE*, DWORD milliseconds, DWORD wakeMask, DWORD flags)
+{
+    if (host == nullptr || count != 0 || wakeMask != QS_ALLINPUT || flags != MWMO_INPUTAVAILABLE) {
+        return WAIT_FAILED;
+    }
+    if (!MessageWaits()) {
+        PresentAll();
+        CollectEvents(static_cast<int>(std::min<DWORD>(milliseconds, INT32_MAX)));
+    }
+    return MessageWaits() ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
 }
 
 LRESULT WINAPI DispatchMessageA(const MSG* message)
