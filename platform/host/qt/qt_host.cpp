@@ -115,8 +115,7 @@ int Start()
     QApplication::setDesktopSettingsAware(false);
     QApplication::setStyle(new Style); // Qt owns it
     application = new QApplication(argumentCount, arguments);
-    // Every position that the pointer reports is wanted. Making the application object turns this on.
-    QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
+    WatchMotion();
     std::setlocale(LC_NUMERIC, "C"); // the program's own number formats
     SetLook();
     QApplication::setQuitOnLastWindowClosed(false);

@@ -124,6 +124,11 @@ void DestroyScrollBar(HostScrollBar* handle);
 void SetScrollBar(HostScrollBar* handle, int minimum, int highestPosition, int page, int position);
 void QueueWheel(Window* window, const QWheelEvent* event);
 
+// ---- qt_motion.cpp ----
+
+// From here on Qt reports every position of the pointer while a button is held, and else the newest.
+void WatchMotion();
+
 // ---- qt_pointer.cpp ----
 
 unsigned HostButtonsOf(Qt::MouseButtons buttons);

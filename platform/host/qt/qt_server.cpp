@@ -21,6 +21,7 @@ constexpr int patternSize = 8;
 
 xcb_connection_t* server = nullptr;
 xcb_window_t rootWindow = 0;
+uint8_t inputExtension = 0;
 
 struct FreeReply {
     void operator()(void* reply) const
@@ -58,6 +59,10 @@ int OpenServer()
         xcb_screen_next(&screen);
     }
     rootWindow = screen.data->root;
+    constexpr char inputName[] = "XInputExtension";
+    const ReplyOf<xcb_query_extension_reply_t> reply(
+        xcb_query_extension_reply(server, xcb_query_extension(server, sizeof inputName - 1, inputName), nullptr));
+    inputExtension = reply && reply->present ? reply->major_opcode : 0;
     return 0;
 }
 
@@ -102,6 +107,11 @@ bool KeyIsDown(unsigned scanCode)
     }
     const ReplyOf<xcb_query_keymap_reply_t> reply(xcb_query_keymap_reply(server, xcb_query_keymap(server), nullptr));
     return reply && (reply->keys[scanCode / 8 % 32] >> scanCode % 8 & 1);
+}
+
+uint8_t InputExtension()
+{
+    return inputExtension;
 }
 
 bool LayoutHasLatinLetters(unsigned state)

@@ -23,6 +23,8 @@ bool DisplayIsLost();
 bool QueryServerPointer(ServerPointer* pointer);
 // Whether the key with this X11 code is down now.
 bool KeyIsDown(unsigned scanCode);
+// The number of the server's input extension in its events; 0 where it has none.
+uint8_t InputExtension();
 // Whether the layout that this key event's state names has any; true when unknown.
 bool LayoutHasLatinLetters(unsigned state);
 // False where there is no X server. The query after it sees the pointer there.
