@@ -10,7 +10,7 @@ struct EditingState {
     int32_t featureTool = noFeatureTool;
     int16_t noGoLevel = 0; // 1, 2 or 4 while a NO-GO tool is selected
     uint32_t showAllNoGo = 0;
-    uint32_t solidGrid = 1;     // filled marks, else outlined
+    uint32_t solidGrid = 1; // filled marks, else outlined
     COLORREF gridColour = PALETTERGB(255, 0, 0);
     int32_t gridColourItem = 0; // 207 to 210, 0 for none
     int32_t moveCostTool = noMoveCostTool;
