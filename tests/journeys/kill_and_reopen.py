@@ -3,6 +3,7 @@ to end by the system, or closed by the desktop. KESTREL_KILLS says how often."""
 
 import os
 import random
+import resource
 import signal
 import time
 
@@ -48,6 +49,38 @@ def paint_until(journey, place, start, chance, deadline):
     return painted
 
 
+def quit_on_full_disk(journey):
+    resource.prlimit(journey.process.pid, resource.RLIMIT_FSIZE, (20, 20))
+    journey.quit(saves=True)
+
+
+def quit_after_painting_on(journey):
+    journey.save()
+    journey.click(*journey.last_cell)  # clears the cell again, and Quit does not ask about it
+    journey.quit()
+
+
+def expect_kept(journey, art, start, end):
+    """Paints five cells, quits in that way, and finds the map as it was painted."""
+    open_again(journey, art)
+    place = journey.place_of_map(art)
+    journey.open_palette("ctrl+t")
+    cells = [(2 + number % 40, 35 + number // 40) for number in range(start, start + 5)]
+    for x, y in cells:
+        journey.last_cell = place.on_screen((10 * x + 5, 10 * y + 5))
+        journey.click(*journey.last_cell)
+    time.sleep(1.2)
+    end(journey)
+    journey.expect(open_again(journey, art), end.__name__ + " leaves work to take over")
+    journey.save()
+    journey.quit()
+    saved = MapData(journey.read(NAME))
+    marked = [bool(saved.cell(x, y) & HI_LOW) for x, y in cells]
+    last = end is not quit_after_painting_on
+    journey.expect(marked == [True] * 4 + [last], "%s keeps the cells: %s" % (end.__name__, marked))
+    return start + 5
+
+
 def kill_and_reopen(journey):
     art, _ = journey.make_map(180, 600, 500)
     chance = random.Random(180)
@@ -74,6 +107,8 @@ def kill_and_reopen(journey):
         ]
         journey.expect(not lost, "kill %d keeps %d cells: lost %s" % (kill + 1, len(painted), lost))
         start += len(painted)
+    for end in (quit_on_full_disk, quit_after_painting_on):
+        start = expect_kept(journey, art, start, end)
     journey.expect(kept >= KILLS // 2, "%d of %d ends left work to take over" % (kept, KILLS))
 
 
