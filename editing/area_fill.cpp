@@ -53,11 +53,14 @@ Rect Scaled(const Rect& rect, int numerator, int denominator)
                     rect.right * numerator / denominator, rect.bottom * numerator / denominator);
 }
 
-// The cells of the view that lie in the selection; partly visible last rows and columns stay out.
+// The cells of the view that lie in the selection and in the map, whose record may count more cells than its size has;
+// partly visible last rows and columns stay out.
 Rect SelectedVisibleCells()
 {
     Rect cells = Scaled(view.viewRect, 1, cellSize);
-    const Rect grid = MakeRect(0, 0, currentMap.record.columnCount, currentMap.record.rowCount);
+    const MapRecord& record = currentMap.record;
+    const Rect grid = MakeRect(0, 0, std::min<int>(record.columnCount, CellCountOf(record.mapRect.right)),
+                               std::min<int>(record.rowCount, CellCountOf(record.mapRect.bottom)));
     if (ClipToBounds(&cells, &editing.selectionRect)) {
         ClipToBounds(&cells, &grid);
     }
