@@ -53,8 +53,8 @@ Rect Scaled(const Rect& rect, int numerator, int denominator)
                     rect.right * numerator / denominator, rect.bottom * numerator / denominator);
 }
 
-// The cells of the view that lie in the selection and in the map, whose record may count more cells than its size has;
-// partly visible last rows and columns stay out.
+// The cells of the view that lie in the selection and in the map, whose record may count more cells than its size
+// has; partly visible last rows and columns stay out.
 Rect SelectedVisibleCells()
 {
     Rect cells = Scaled(view.viewRect, 1, cellSize);
